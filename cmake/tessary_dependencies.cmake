@@ -1,0 +1,18 @@
+# Libraries from Debian's packages. The header-only ones are linked into one folder of the build tree: adding
+# /usr/include itself to a cross-build would shadow the target's own headers.
+
+set(thirdparty ${CMAKE_BINARY_DIR}/thirdparty/include)
+file(MAKE_DIRECTORY ${thirdparty})
+foreach(package CLI nlohmann spdlog fmt)
+  if(NOT EXISTS /usr/include/${package})
+    message(FATAL_ERROR "/usr/include/${package} is missing: run scripts/setup.sh")
+  endif()
+  file(CREATE_LINK /usr/include/${package} ${thirdparty}/${package} SYMBOLIC)
+endforeach()
+add_library(tessary_thirdparty INTERFACE)
+target_include_directories(tessary_thirdparty SYSTEM INTERFACE ${thirdparty})
+
+# GoogleTest is built from the packaged sources with our toolchain.
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)

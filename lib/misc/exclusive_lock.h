@@ -1,0 +1,59 @@
+// A lock for short critical sections that needs no set-up and no clean-up, so that it may be a module's static state.
+#ifndef TESSARY_LIB_MISC_EXCLUSIVE_LOCK_H
+#define TESSARY_LIB_MISC_EXCLUSIVE_LOCK_H
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <mutex>
+#endif
+
+namespace tsypr
+{
+
+class ExclusiveLock
+{
+  public:
+    constexpr ExclusiveLock() noexcept = default;
+    ExclusiveLock(const ExclusiveLock&) = delete;
+    ExclusiveLock& operator=(const ExclusiveLock&) = delete;
+
+#ifdef _WIN32
+    void Acquire() noexcept
+    {
+        AcquireSRWLockExclusive(&m_lock);
+    }
+    // Returns whether the lock was free and is now held.
+    bool TryAcquire() noexcept
+    {
+        return TryAcquireSRWLockExclusive(&m_lock) != FALSE;
+    }
+    void Release() noexcept
+    {
+        ReleaseSRWLockExclusive(&m_lock);
+    }
+
+  private:
+    SRWLOCK m_lock = SRWLOCK_INIT;
+#else
+    void Acquire() noexcept
+    {
+        m_lock.lock();
+    }
+    bool TryAcquire() noexcept
+    {
+        return m_lock.try_lock();
+    }
+    void Release() noexcept
+    {
+        m_lock.unlock();
+    }
+
+  private:
+    std::mutex m_lock;
+#endif
+};
+
+} // namespace tsypr
+
+#endif

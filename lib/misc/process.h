@@ -1,0 +1,15 @@
+// Who is running: the numbers by which the system knows this process and thread.
+#ifndef TESSARY_LIB_MISC_PROCESS_H
+#define TESSARY_LIB_MISC_PROCESS_H
+
+#include <cstdint>
+
+namespace tsypr
+{
+
+uint32_t CurrentProcessId() noexcept;
+uint32_t CurrentThreadId() noexcept;
+
+} // namespace tsypr
+
+#endif

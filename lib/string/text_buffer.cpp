@@ -1,0 +1,85 @@
+#include "lib/string/text_buffer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+namespace tsypr
+{
+
+// The inline room is deliberately left uninitialised: every log line has one of these.
+TextBuffer::TextBuffer() noexcept : m_data(m_inline), m_capacity(kInlineBytes), m_grows(true) // NOLINT
+{
+}
+
+TextBuffer::TextBuffer(char* storage, size_t capacity) noexcept // NOLINT
+    : m_data(storage), m_capacity(capacity), m_grows(false)
+{
+}
+
+TextBuffer::~TextBuffer()
+{
+    if (OnHeap())
+    {
+        std::free(m_data);
+    }
+}
+
+// Returns how many of the wanted bytes fit after growing as far as possible.
+size_t TextBuffer::MakeRoom(size_t wanted) noexcept
+{
+    if (wanted <= m_capacity - m_size)
+    {
+        return wanted;
+    }
+    if (m_grows && wanted <= SIZE_MAX / 4 && m_size <= SIZE_MAX / 4)
+    {
+        const size_t capacity = std::max(m_capacity * 2, m_size + wanted);
+        char* data = static_cast<char*>(OnHeap() ? std::realloc(m_data, capacity) : std::malloc(capacity));
+        if (data != nullptr)
+        {
+            if (!OnHeap())
+            {
+                std::memcpy(data, m_data, m_size);
+            }
+            m_data = data;
+            m_capacity = capacity;
+            return wanted;
+        }
+    }
+    m_cut = true;
+    return m_capacity - m_size;
+}
+
+void TextBuffer::Append(const char* text, size_t length) noexcept
+{
+    if (m_cut)
+    {
+        return; // nothing may follow a gap
+    }
+    const size_t fits = MakeRoom(length);
+    if (fits != 0)
+    {
+        std::memcpy(m_data + m_size, text, fits);
+        m_size += fits;
+    }
+}
+
+void TextBuffer::AppendFill(char filler, size_t count) noexcept
+{
+    if (m_cut)
+    {
+        return;
+    }
+    const size_t fits = MakeRoom(count);
+    std::memset(m_data + m_size, filler, fits);
+    m_size += fits;
+}
+
+void TextBuffer::Truncate(size_t size) noexcept
+{
+    m_size = std::min(m_size, size);
+}
+
+} // namespace tsypr
