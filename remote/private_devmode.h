@@ -43,7 +43,7 @@ struct FixedText
 template <size_t Chars>
 class WideField
 {
-  public:
+public:
     // The text as readers may use it: the last position counts as the terminator, whatever it holds.
     FixedText<Chars> Read() const noexcept
     {
@@ -67,7 +67,7 @@ class WideField
         std::memset(m_bytes + (Chars - 1) * sizeof(wchar_t), 0, sizeof(wchar_t));
     }
 
-  private:
+private:
     unsigned char m_bytes[Chars * sizeof(wchar_t)];
 };
 
@@ -131,8 +131,8 @@ bool DevModeHolds(const DEVMODEW* dm, Field DEVMODEW::*field) noexcept
 
 // The value of a public field, or zero when it is absent.
 template <typename Field>
-    requires std::is_trivially_copyable_v<Field> && (!std::is_array_v<Field>)
-Field DevModeField(const DEVMODEW* dm, Field DEVMODEW::*field) noexcept
+requires std::is_trivially_copyable_v<Field> &&(!std::is_array_v<Field>)Field
+    DevModeField(const DEVMODEW* dm, Field DEVMODEW::*field) noexcept
 {
     return DevModeHolds(dm, field) ? dm->*field : Field{};
 }

@@ -10,7 +10,7 @@ namespace tsypr
 // Moves are not needed: the one user keeps it in place. All paths are UTF-8.
 class AppendFile
 {
-  public:
+public:
     constexpr AppendFile() noexcept = default;
     AppendFile(const AppendFile&) = delete;
     AppendFile& operator=(const AppendFile&) = delete;
@@ -32,7 +32,7 @@ class AppendFile
     // end of the process; its owner closes it.
     void Close() noexcept;
 
-  private:
+private:
     static constexpr long long kNone = -1;
     long long m_handle = kNone; // a HANDLE or a file descriptor
 };

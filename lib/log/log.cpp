@@ -34,7 +34,7 @@ constinit LogState g_log;
 // Holds the log's lock, unless a thread that no longer exists took it along.
 class LogGuard
 {
-  public:
+public:
     LogGuard() noexcept
     {
         if (g_log.lastThread.load(std::memory_order_relaxed))
@@ -55,7 +55,7 @@ class LogGuard
     LogGuard(const LogGuard&) = delete;
     LogGuard& operator=(const LogGuard&) = delete;
 
-  private:
+private:
     bool m_held;
 };
 

@@ -36,9 +36,9 @@ inline constexpr char kLogFileNameKey[] = "log.fileName";   // path of the log f
 // The number of a level's name in any letter case; -1 for an unknown name or null.
 int LogLevelFromName(const char* name) noexcept;
 
-// Starts the log of the module that `tag` names. An unknown or missing level name counts as "info". Without a file name,
-// or when the file cannot be opened, the log runs without output. Returns false when `tag` is null or empty, or when the
-// log is already running; then nothing is changed.
+// Starts the log of the module that `tag` names. An unknown or missing level name counts as "info". Without a file
+// name, or when the file cannot be opened, the log runs without output. Returns false when `tag` is null or empty, or
+// when the log is already running; then nothing is changed.
 bool LogStart(const char* tag, const Dictionary& settings) noexcept;
 
 // Stops the log; lines written later go nowhere. Harmless when the log is not running.

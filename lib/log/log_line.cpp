@@ -3,7 +3,6 @@
 #include "lib/misc/clock.h"
 #include "lib/misc/process.h"
 
-#include <algorithm>
 #include <charconv>
 #include <iterator>
 
@@ -23,6 +22,13 @@ char* WriteDigits(char* place, int value, int digits) noexcept
     return place + digits;
 }
 
+void AppendNumber(TextBuffer& line, char separator, uint32_t number) noexcept
+{
+    char digits[12] = {separator};
+    const char* end = std::to_chars(digits + 1, std::end(digits), number).ptr;
+    line.Append(digits, static_cast<size_t>(end - digits));
+}
+
 } // namespace
 
 void AppendLinePrefix(TextBuffer& line, std::string_view levelName) noexcept
@@ -34,23 +40,26 @@ void AppendLinePrefix(TextBuffer& line, std::string_view levelName) noexcept
         int digits;
         char separator;
     };
-    const Piece pieces[] = {{now.year, 4, '-'},  {now.month, 2, '-'},  {now.day, 2, ' '},        {now.hour, 2, ':'},
-                            {now.minute, 2, ':'}, {now.second, 2, '.'}, {now.millisecond, 3, 'Z'}};
-    char prefix[96];
-    char* place = prefix;
+    const Piece pieces[] = {{now.year, 4, '-'},
+                            {now.month, 2, '-'},
+                            {now.day, 2, ' '},
+                            {now.hour, 2, ':'},
+                            {now.minute, 2, ':'},
+                            {now.second, 2, '.'},
+                            {now.millisecond, 3, 'Z'}};
+    char time[32];
+    char* place = time;
     for (const Piece& piece : pieces)
     {
         place = WriteDigits(place, piece.value, piece.digits);
         *place++ = piece.separator;
     }
-    *place++ = ' ';
-    place = std::copy(levelName.begin(), levelName.end(), place);
-    *place++ = ' ';
-    place = std::to_chars(place, std::end(prefix), CurrentProcessId()).ptr;
-    *place++ = ':';
-    place = std::to_chars(place, std::end(prefix), CurrentThreadId()).ptr;
-    *place++ = ' ';
-    line.Append(prefix, static_cast<size_t>(place - prefix));
+    line.Append(time, static_cast<size_t>(place - time));
+    line.Append(" ");
+    line.Append(levelName);
+    AppendNumber(line, ' ', CurrentProcessId());
+    AppendNumber(line, ':', CurrentThreadId());
+    line.Append(" ");
 }
 
 } // namespace tsypr

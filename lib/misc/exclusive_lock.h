@@ -13,7 +13,7 @@ namespace tsypr
 
 class ExclusiveLock
 {
-  public:
+public:
     constexpr ExclusiveLock() noexcept = default;
     ExclusiveLock(const ExclusiveLock&) = delete;
     ExclusiveLock& operator=(const ExclusiveLock&) = delete;
@@ -33,7 +33,7 @@ class ExclusiveLock
         ReleaseSRWLockExclusive(&m_lock);
     }
 
-  private:
+private:
     SRWLOCK m_lock = SRWLOCK_INIT;
 #else
     void Acquire() noexcept
@@ -49,7 +49,7 @@ class ExclusiveLock
         m_lock.unlock();
     }
 
-  private:
+private:
     std::mutex m_lock;
 #endif
 };

@@ -11,14 +11,14 @@ namespace tsypr
 
 class Dictionary
 {
-  public:
+public:
     // Stores a copy under the key, replacing what was there. Returns false when memory runs out.
     bool Set(std::string_view key, std::string_view value) noexcept;
 
     // The value of the key, valid until the dictionary changes; null when the key is not there.
     const char* Get(std::string_view key) const noexcept;
 
-  private:
+private:
     std::map<std::string, std::string, std::less<>> m_values;
 };
 

@@ -133,9 +133,15 @@ void ParseSize(const char*& p, Conversion& conversion) noexcept
         const char* text;
         Size size;
     };
-    static constexpr Name kNames[] = {{"hh", Size::Char},     {"h", Size::Short},    {"ll", Size::LongLong},
-                                      {"l", Size::Long},      {"j", Size::Max},      {"z", Size::SizeT},
-                                      {"t", Size::PtrDiff},   {"I64", Size::Bits64}, {"I32", Size::Bits32},
+    static constexpr Name kNames[] = {{"hh", Size::Char},
+                                      {"h", Size::Short},
+                                      {"ll", Size::LongLong},
+                                      {"l", Size::Long},
+                                      {"j", Size::Max},
+                                      {"z", Size::SizeT},
+                                      {"t", Size::PtrDiff},
+                                      {"I64", Size::Bits64},
+                                      {"I32", Size::Bits32},
                                       {"L", Size::LongDouble}};
     for (const Name& name : kNames)
     {
@@ -227,7 +233,8 @@ std::string_view WriteDigits(char (&buffer)[72], unsigned long long value, int b
     const auto end = std::to_chars(std::begin(buffer), std::end(buffer), value, base).ptr;
     if (upper)
     {
-        std::transform(buffer, end, buffer, [](char c) { return c >= 'a' && c <= 'f' ? static_cast<char>(c - 32) : c; });
+        std::transform(
+            buffer, end, buffer, [](char c) { return c >= 'a' && c <= 'f' ? static_cast<char>(c - 32) : c; });
     }
     return {buffer, static_cast<size_t>(end - buffer)};
 }
@@ -438,14 +445,13 @@ void FormatCharacter(TextBuffer& out, const Conversion& conversion, Arguments& a
 // Floating point goes through the C library, whose decimal point follows the locale; ours does not.
 void FormatFloat(TextBuffer& out, const Conversion& conversion, Arguments& arguments) noexcept
 {
-    const double value = conversion.size == Size::LongDouble
-                             ? static_cast<double>(va_arg(arguments.list, long double))
-                             : va_arg(arguments.list, double);
+    const double value = conversion.size == Size::LongDouble ? static_cast<double>(va_arg(arguments.list, long double))
+                                                             : va_arg(arguments.list, double);
     char format[16];
     char* p = format;
     *p++ = '%';
-    for (const auto& [set, flag] : {std::pair{conversion.plus, '+'}, std::pair{conversion.blank, ' '},
-                                    std::pair{conversion.alternate, '#'}})
+    for (const auto& [set, flag] :
+         {std::pair{conversion.plus, '+'}, std::pair{conversion.blank, ' '}, std::pair{conversion.alternate, '#'}})
     {
         if (set)
         {
@@ -462,8 +468,8 @@ void FormatFloat(TextBuffer& out, const Conversion& conversion, Arguments& argum
     *p = '\0';
     char text[1200];
     const int precision = static_cast<int>(std::min<size_t>(conversion.precision, 512));
-    const int written = precise ? std::snprintf(text, sizeof(text), format, precision, value)  // NOLINT
-                                : std::snprintf(text, sizeof(text), format, value);            // NOLINT
+    const int written = precise ? std::snprintf(text, sizeof(text), format, precision, value) // NOLINT
+                                : std::snprintf(text, sizeof(text), format, value);           // NOLINT
     const size_t length = written < 0 ? 0 : std::min(static_cast<size_t>(written), sizeof(text) - 1);
     std::replace(text, text + length, ',', '.');
     const bool finite = length != 0 && (IsDigit(text[length - 1]) || text[length - 1] == '.');

@@ -12,7 +12,7 @@ namespace tsypr
 // When memory runs out, or when the buffer was made over fixed storage, what does not fit is dropped and Cut() tells.
 class TextBuffer
 {
-  public:
+public:
     TextBuffer() noexcept;
 
     // Over storage of the caller's that never grows. `capacity` in bytes.
@@ -41,7 +41,7 @@ class TextBuffer
     // Drops the end of the text, down to `size` bytes.
     void Truncate(size_t size) noexcept;
 
-  private:
+private:
     size_t MakeRoom(size_t wanted) noexcept;
     bool OnHeap() const noexcept
     {

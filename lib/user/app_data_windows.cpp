@@ -72,8 +72,8 @@ bool W32Util_GetTessaryCommonAppDataFilePath(const char* relative, std::string& 
     try
     {
         std::wstring directory;
-        if ((!ReadAppDataPath(directory) && !ProductFolderBelow(L"ProgramData", directory)) || !IsDirectory(directory) ||
-            !CodeSet_Utf16ToUtf8(directory, path))
+        if ((!ReadAppDataPath(directory) && !ProductFolderBelow(L"ProgramData", directory)) ||
+            !IsDirectory(directory) || !CodeSet_Utf16ToUtf8(directory, path))
         {
             return false;
         }

@@ -26,7 +26,7 @@ constinit Store g_store;
 
 class StoreGuard
 {
-  public:
+public:
     StoreGuard() noexcept
     {
         g_store.lock.Acquire();
@@ -56,7 +56,8 @@ bool Unquote(std::string_view quoted, std::string& value)
     size_t i = 1;
     for (; i < quoted.size() && quoted[i] != '"'; ++i)
     {
-        const bool escape = quoted[i] == '\\' && i + 1 < quoted.size() && (quoted[i + 1] == '"' || quoted[i + 1] == '\\');
+        const bool escape =
+            quoted[i] == '\\' && i + 1 < quoted.size() && (quoted[i + 1] == '"' || quoted[i + 1] == '\\');
         i += escape ? 1 : 0;
         value.push_back(quoted[i]);
     }

@@ -1,0 +1,113 @@
+#include "ui/document_property_sheets.h"
+
+#include "module/log.h"
+#include "module/malloc_ptr.h"
+#include "remote/devmode_dump.h"
+#include "remote/devmode_fetch.h"
+#include "remote/devmode_merge.h"
+#include "remote/printer_name.h"
+#include "remote/private_devmode.h"
+#include "ui/document_property_header.h"
+
+#include <winspool.h>
+
+namespace tsypr
+{
+namespace
+{
+
+constexpr char kFunction[] = "DrvDocumentPropertySheets";
+
+using PrinterName = wchar_t[kPrinterNameChars];
+
+// Handles are logged as the 32-bit numbers they are.
+unsigned HandleNumber(HANDLE handle) noexcept
+{
+    return static_cast<unsigned>(reinterpret_cast<uintptr_t>(handle));
+}
+
+bool NameFromHandle(HANDLE printer, PrinterName& name) noexcept
+{
+    DWORD needed = 0;
+    GetPrinterW(printer, 4, nullptr, 0, &needed);
+    if (needed == 0)
+    {
+        LogError("%s, failed to get printer info size from handle 0x%x.\n", kFunction, HandleNumber(printer));
+        return false;
+    }
+    const MallocPtr<BYTE> buffer(static_cast<BYTE*>(std::malloc(needed)));
+    if (buffer == nullptr || GetPrinterW(printer, 4, buffer.get(), needed, &needed) == FALSE)
+    {
+        LogError("%s, failed to get printer name from handle 0x%x.\n", kFunction, HandleNumber(printer));
+        return false;
+    }
+    const wchar_t* printerName = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.get())->pPrinterName;
+    LogVerbose("%s, obtained printer name %S from handle 0x%x.\n", kFunction, printerName, HandleNumber(printer));
+    NormalizePrinterName(name, printerName);
+    return true;
+}
+
+bool NameFromHeader(const DOCUMENTPROPERTYHEADER& header, PrinterName& name) noexcept
+{
+    if (header.pszPrinterName == nullptr || *header.pszPrinterName == L'\0')
+    {
+        LogError("%s, failed to get printer name.\n", kFunction);
+        return false;
+    }
+    LogVerbose("%s, prop hdr's printer name is %S.\n", kFunction, header.pszPrinterName);
+    NormalizePrinterName(name, header.pszPrinterName);
+    return true;
+}
+
+void StorePrinterName(DEVMODEW* devMode, const PrinterName& name) noexcept
+{
+    if (PrivateDevMode* block = GetPrivateDevMode(devMode))
+    {
+        block->printerName.Write(name);
+    }
+}
+
+// The spooler wants the size of the printer's device mode, or a merged copy of it.
+LONG AnswerWithoutUI(DOCUMENTPROPERTYHEADER& header) noexcept
+{
+    PrinterName name = {};
+    const bool named =
+        header.hPrinter != INVALID_HANDLE_VALUE ? NameFromHandle(header.hPrinter, name) : NameFromHeader(header, name);
+    if (!named)
+    {
+        return 0;
+    }
+    const SharedDevMode fetched = GetDevModeByVPrinterName(name);
+    if (fetched == nullptr)
+    {
+        LogError("%s, failed to retrieve devmode for printer %S\n", kFunction, name);
+        return 0;
+    }
+    if (header.fMode == 0 || header.pdmOut == nullptr)
+    {
+        header.cbOut = static_cast<DWORD>(DevModeTotalSize(fetched.get()));
+        return static_cast<LONG>(header.cbOut);
+    }
+    PrintUtils::DumpDevMode(header.pdmIn, L"UIINFO is NULL, dmIn:");
+    StorePrinterName(fetched.get(), name);
+    if (!MergeAndCopyDM(header.pdmOut, header.pdmIn, fetched.get(), header.fMode))
+    {
+        return 0;
+    }
+    PrintUtils::DumpDevMode(header.pdmOut, L"UIINFO is NULL, dmOut:");
+    return 1;
+}
+
+} // namespace
+} // namespace tsypr
+
+LONG WINAPI DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam) noexcept
+{
+    if (pPSUIInfo == nullptr)
+    {
+        auto* header = reinterpret_cast<DOCUMENTPROPERTYHEADER*>(lParam);
+        return header != nullptr ? tsypr::AnswerWithoutUI(*header) : 0;
+    }
+    // The driver has no pages: a sheet cannot be opened, and there is nothing to do for any other reason.
+    return pPSUIInfo->Reason == PROPSHEETUI_REASON_INIT ? 0 : 1;
+}
