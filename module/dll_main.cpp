@@ -1,3 +1,4 @@
+#include "lib/misc/runtime_release.h"
 #include "module/interface_dll.h"
 #include "module/log.h"
 #include "module/logging_setup.h"
@@ -38,6 +39,7 @@ void Detach(bool processEnds) noexcept
     }
     ReleaseModuleResources();
     ShutdownLogging();
+    ReleaseRuntimeMemory();
 }
 
 } // namespace

@@ -31,19 +31,17 @@ struct LogState
 
 constinit LogState g_log;
 
-// Holds the log's lock, unless a thread that no longer exists took it along.
+// Holds the log's lock, unless this is the last thread: one that no longer exists may have taken the lock along, or may
+// have been ended while it waited, and then even a release that wakes the next one can hang.
 class LogGuard
 {
 public:
-    LogGuard() noexcept
+    LogGuard() noexcept : m_held(!g_log.lastThread.load(std::memory_order_relaxed))
     {
-        if (g_log.lastThread.load(std::memory_order_relaxed))
+        if (m_held)
         {
-            m_held = g_log.lock.TryAcquire();
-            return;
+            g_log.lock.Acquire();
         }
-        g_log.lock.Acquire();
-        m_held = true;
     }
     ~LogGuard()
     {
@@ -56,7 +54,7 @@ public:
     LogGuard& operator=(const LogGuard&) = delete;
 
 private:
-    bool m_held;
+    const bool m_held;
 };
 
 bool EqualsIgnoringCase(std::string_view name, const char* text) noexcept

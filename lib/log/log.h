@@ -44,8 +44,8 @@ bool LogStart(const char* tag, const Dictionary& settings) noexcept;
 // Stops the log; lines written later go nowhere. Harmless when the log is not running.
 void LogStop() noexcept;
 
-// To be called when only one thread of the process is left: from then on no call waits for a lock that a thread which
-// is gone may hold.
+// To be called when only one thread of the process is left: from then on no call touches a lock that a thread which is
+// gone may hold or wait for.
 void LogPrepareForProcessEnd() noexcept;
 
 namespace detail

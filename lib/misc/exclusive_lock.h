@@ -23,11 +23,6 @@ public:
     {
         AcquireSRWLockExclusive(&m_lock);
     }
-    // Returns whether the lock was free and is now held.
-    bool TryAcquire() noexcept
-    {
-        return TryAcquireSRWLockExclusive(&m_lock) != FALSE;
-    }
     void Release() noexcept
     {
         ReleaseSRWLockExclusive(&m_lock);
@@ -39,10 +34,6 @@ private:
     void Acquire() noexcept
     {
         m_lock.lock();
-    }
-    bool TryAcquire() noexcept
-    {
-        return m_lock.try_lock();
     }
     void Release() noexcept
     {

@@ -126,33 +126,51 @@ void ParsePrecision(const char*& p, Conversion& conversion, Arguments& arguments
     conversion.precision = precision < 0 ? 0 : static_cast<size_t>(precision);
 }
 
+struct SizePrefix
+{
+    Size size;
+    size_t length; // in the format
+};
+
+// Looked up character by character: every conversion of every log line comes through here.
+SizePrefix FindSize(const char* p) noexcept
+{
+    const bool twice = p[0] != '\0' && p[1] == p[0];
+    switch (*p)
+    {
+    case 'h':
+        return twice ? SizePrefix{Size::Char, 2} : SizePrefix{Size::Short, 1};
+    case 'l':
+        return twice ? SizePrefix{Size::LongLong, 2} : SizePrefix{Size::Long, 1};
+    case 'j':
+        return {Size::Max, 1};
+    case 'z':
+        return {Size::SizeT, 1};
+    case 't':
+        return {Size::PtrDiff, 1};
+    case 'L':
+        return {Size::LongDouble, 1};
+    case 'I':
+        if (p[1] == '6' && p[2] == '4')
+        {
+            return {Size::Bits64, 3};
+        }
+        if (p[1] == '3' && p[2] == '2')
+        {
+            return {Size::Bits32, 3};
+        }
+        break;
+    default:
+        break;
+    }
+    return {Size::Default, 0};
+}
+
 void ParseSize(const char*& p, Conversion& conversion) noexcept
 {
-    struct Name
-    {
-        const char* text;
-        Size size;
-    };
-    static constexpr Name kNames[] = {{"hh", Size::Char},
-                                      {"h", Size::Short},
-                                      {"ll", Size::LongLong},
-                                      {"l", Size::Long},
-                                      {"j", Size::Max},
-                                      {"z", Size::SizeT},
-                                      {"t", Size::PtrDiff},
-                                      {"I64", Size::Bits64},
-                                      {"I32", Size::Bits32},
-                                      {"L", Size::LongDouble}};
-    for (const Name& name : kNames)
-    {
-        const size_t length = std::strlen(name.text);
-        if (std::strncmp(p, name.text, length) == 0)
-        {
-            p += length;
-            conversion.size = name.size;
-            return;
-        }
-    }
+    const SizePrefix prefix = FindSize(p);
+    conversion.size = prefix.size;
+    p += prefix.length;
 }
 
 long long TakeSigned(Size size, Arguments& arguments) noexcept
@@ -474,9 +492,11 @@ void FormatFloat(TextBuffer& out, const Conversion& conversion, Arguments& argum
     std::replace(text, text + length, ',', '.');
     const bool finite = length != 0 && (IsDigit(text[length - 1]) || text[length - 1] == '.');
     const size_t sign = length != 0 && !IsDigit(text[0]) && finite ? 1 : 0;
+    const bool hex = finite && (conversion.type == 'a' || conversion.type == 'A');
+    const size_t prefix = sign + (hex ? 2 : 0); // zeros go behind the "0x"
     Conversion field = conversion;
     field.hasPrecision = !finite; // "inf" and "nan" are never filled with zeros
-    AppendNumber(out, field, {text, sign}, 0, {text + sign, length - sign});
+    AppendNumber(out, field, {text, prefix}, 0, {text + prefix, length - prefix});
 }
 
 // Formats one conversion; false when it is not known.

@@ -16,14 +16,16 @@ constexpr wchar_t kProductFolder[] = L"\\Zelmora\\Tessary";
 // Registry texts of any length, without their terminator.
 bool ReadAppDataPath(std::wstring& path)
 {
-    DWORD bytes = 0;
-    if (RegGetValueW(HKEY_LOCAL_MACHINE, kProductKey, kAppDataValue, RRF_RT_REG_SZ, nullptr, nullptr, &bytes) != 0)
+    LSTATUS status = ERROR_MORE_DATA;
+    DWORD bytes = MAX_PATH * sizeof(wchar_t); // for nearly every path, so that one question does
+    while (status == ERROR_MORE_DATA)
     {
-        return false;
+        path.resize(bytes / sizeof(wchar_t) + 1);
+        bytes = static_cast<DWORD>(path.size() * sizeof(wchar_t));
+        status =
+            RegGetValueW(HKEY_LOCAL_MACHINE, kProductKey, kAppDataValue, RRF_RT_REG_SZ, nullptr, path.data(), &bytes);
     }
-    path.resize(bytes / sizeof(wchar_t) + 1);
-    bytes = static_cast<DWORD>(path.size() * sizeof(wchar_t));
-    if (RegGetValueW(HKEY_LOCAL_MACHINE, kProductKey, kAppDataValue, RRF_RT_REG_SZ, nullptr, path.data(), &bytes) != 0)
+    if (status != ERROR_SUCCESS)
     {
         return false;
     }

@@ -1,0 +1,108 @@
+#ifndef TESSARY_TESTS_SERVICE_SAMPLE_PROFILE_H
+#define TESSARY_TESTS_SERVICE_SAMPLE_PROFILE_H
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "service/profile_parser.h"
+
+namespace tsypr::service::test
+{
+
+// A printer with every kind of setting, small enough to know by heart.
+inline nlohmann::json SampleProfile()
+{
+    return nlohmann::json::parse(R"({
+        "schemaVersion": 1, "name": "Sample", "manufacturer": "Maker", "model": "M1",
+        "vendorNamespace": "http://vendor.example/ns",
+        "deviceMode": {"orientation": "landscape", "paper": 9, "source": 15, "mediaType": 2, "copies": 3,
+            "collate": false, "color": "monochrome", "duplex": "horizontal", "resolution": {"x": 1200, "y": 600},
+            "scale": 90, "formName": "Office A4", "leadingExtra": 10},
+        "private": {"compression": 2, "printTargetChoice": 1, "printAsImage": true, "showPreDialog": true,
+            "pagesPerSheet": 4, "nupLayout": "psk:LeftTop", "staple": "psk:StapleTopLeft", "punch": "psk:LeftEdge",
+            "locked": ["color", "compressionLevel"],
+            "features": ["nup", "printAsImage", "popupPreDialog", "finishing"]},
+        "papers": [{"id": 9, "name": "A4", "keyword": "psk:ISOA4", "width": 2100, "height": 2970},
+            {"id": 8, "name": "A3", "keyword": "psk:ISOA3", "width": 2970, "height": 4200},
+            {"id": 256, "name": "Custom", "keyword": "psk:CustomMediaSize", "width": 1000, "height": 2000}],
+        "customPaper": {"minWidth": 900, "minHeight": 1000, "maxWidth": 3000, "maxHeight": 5000},
+        "bins": [{"id": 7, "name": "Auto", "keyword": "psk:AutoSelect"},
+            {"id": 15, "name": "Twenty-three characters", "keyword": "ns0000:Tray.1-b"}],
+        "mediaTypes": [{"id": 1, "name": "Plain", "keyword": "psk:Plain"},
+            {"id": 2, "name": "Glossy", "keyword": "psk:PhotographicGlossy"}],
+        "resolutions": [{"x": 600, "y": 600}, {"x": 1200, "y": 600}, {"x": 1200, "y": 1200}],
+        "qualityLevels": ["draft", "high"], "duplex": ["simplex", "vertical", "horizontal"], "color": true,
+        "landscapeRotation": 270, "maxCopies": 50, "collation": true, "pagesPerMinute": 25,
+        "nup": {"pagesPerSheet": [1, 2, 4], "directions": ["psk:RightBottom", "psk:LeftTop", "ns0000:Spiral"]},
+        "staple": ["psk:None", "psk:StapleTopLeft"], "punch": ["psk:None", "psk:LeftEdge"]
+    })");
+}
+
+// A printer that offers as little as a profile may say.
+inline nlohmann::json SparseProfile()
+{
+    return nlohmann::json::parse(R"({
+        "schemaVersion": 1, "name": "Sparse", "deviceMode": {"paper": 1},
+        "papers": [{"id": 1, "name": "Letter", "keyword": "psk:NorthAmericaLetter", "width": 2159, "height": 2794}],
+        "qualityLevels": ["medium", "draft"]
+    })");
+}
+
+// The profile of a document that must be good.
+inline Profile Parse(const nlohmann::json& document)
+{
+    std::vector<ProfileProblem> problems;
+    std::optional<Profile> profile = ParseProfile(document.dump(), "sample.json", problems);
+    if (!profile)
+    {
+        throw std::runtime_error(problems.front().field + ": " + problems.front().reason);
+    }
+    return *profile;
+}
+
+// A directory of profiles that disappears with the object.
+class ProfileDirectory
+{
+public:
+    ProfileDirectory()
+    {
+        static int count = 0;
+        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
+        m_path = std::filesystem::temp_directory_path() /
+                 ("tessary-profiles-" + std::to_string(stamp) + "-" + std::to_string(++count));
+        std::filesystem::create_directories(m_path);
+    }
+    ProfileDirectory(const ProfileDirectory&) = delete;
+    ProfileDirectory& operator=(const ProfileDirectory&) = delete;
+    ~ProfileDirectory()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+
+    const std::filesystem::path& Path() const
+    {
+        return m_path;
+    }
+
+    void Write(std::string_view file, std::string_view content) const
+    {
+        std::ofstream(m_path / file, std::ios::binary) << content;
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+} // namespace tsypr::service::test
+
+#endif
