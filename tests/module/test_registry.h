@@ -1,0 +1,79 @@
+// The registry as tests want it: empty at first, and as it was before when the test is over.
+#ifndef TESSARY_TESTS_MODULE_TEST_REGISTRY_H
+#define TESSARY_TESTS_MODULE_TEST_REGISTRY_H
+
+#include "module/registry_keys.h"
+
+#include <windows.h>
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace tsypr::test
+{
+
+inline constexpr wchar_t kDriverKeyW[] = L"Software\\Zelmora\\Tessary\\PrintRedir";
+inline constexpr wchar_t kModuleKeyW[] = L"Software\\Zelmora\\Tessary\\PrintRedir\\ui";
+inline constexpr wchar_t kPolicyKeyW[] = L"Software\\Policies\\Zelmora\\Tessary\\PrintRedir";
+inline constexpr wchar_t kLegacyPolicyKeyW[] = L"Software\\Policies\\Brenlow, Inc.\\Brenlow LDX\\PrintRedir";
+
+// Stands in for HKEY_LOCAL_MACHINE, in this process and in those that take it over from here.
+inline constexpr wchar_t kFakeMachine[] = L"Software\\Tessary module tests";
+
+// While it lives, HKEY_LOCAL_MACHINE is an empty key of the user's. The user's own hive cannot be replaced where
+// RegOpenCurrentUser opens it: its policies are deleted, so the tests belong into a disposable prefix.
+class TestRegistry
+{
+public:
+    TestRegistry()
+    {
+        Clear();
+        HKEY machine = nullptr;
+        if (RegCreateKeyW(HKEY_CURRENT_USER, kFakeMachine, &machine) != ERROR_SUCCESS ||
+            RegOverridePredefKey(HKEY_LOCAL_MACHINE, machine) != ERROR_SUCCESS)
+        {
+            throw std::runtime_error("no key for the tests");
+        }
+        RegCloseKey(machine);
+    }
+    ~TestRegistry()
+    {
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+        Clear();
+    }
+    TestRegistry(const TestRegistry&) = delete;
+    TestRegistry& operator=(const TestRegistry&) = delete;
+
+    // Writes the bytes as they are.
+    void Set(HKEY root, const wchar_t* key, const wchar_t* name, DWORD type, const void* data, size_t bytes) const
+    {
+        if (RegSetKeyValueW(root, key, name, type, data, static_cast<DWORD>(bytes)) != ERROR_SUCCESS)
+        {
+            throw std::runtime_error("value not written");
+        }
+    }
+    void SetText(const wchar_t* key, const wchar_t* name, std::wstring_view text, DWORD type = REG_SZ) const
+    {
+        const std::wstring terminated = std::wstring(text) + L'\0';
+        Set(HKEY_LOCAL_MACHINE, key, name, type, terminated.data(), terminated.size() * sizeof(wchar_t));
+    }
+    void SetDword(HKEY root, const wchar_t* key, const wchar_t* name, DWORD value) const
+    {
+        Set(root, key, name, REG_DWORD, &value, sizeof(value));
+    }
+
+private:
+    static void Clear()
+    {
+        for (const wchar_t* key : {kFakeMachine, kPolicyKeyW, kLegacyPolicyKeyW})
+        {
+            RegDeleteTreeW(HKEY_CURRENT_USER, key);
+            RegDeleteKeyW(HKEY_CURRENT_USER, key);
+        }
+    }
+};
+
+} // namespace tsypr::test
+
+#endif
