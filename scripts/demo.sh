@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Shows the driver module at work, from nothing: builds it, imports a real printer, installs driver and printers in a
+# new Wine prefix, and asks Windows' printing functions about them.
+# shellcheck source-path=SCRIPTDIR
+source "$(dirname -- "$0")/lib.sh"
+[ $# -eq 0 ] || die "takes no arguments"
+
+heading() {
+  printf '\n== %s\n\n' "$*"
+}
+
+# Shows a command as the reader would type it, then its output.
+show_printctl() {
+  local argument shown=printctl
+  for argument in "$@"; do
+    case $argument in *[!A-Za-z0-9=:._-]*) argument="\"$argument\"" ;; esac
+    shown+=" $argument"
+  done
+  printf '> %s\n' "$shown"
+  printctl "$@"
+}
+
+printctl() {
+  scripts/wine-run.sh "$build/mingw-release/bin/printctl.exe" "$@"
+}
+
+heading "Set-up and build"
+bash scripts/setup.sh
+bash scripts/build.sh native-tests -- imported_printers
+bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_libraries
+
+heading "The printers"
+# The imported printer, and the same one with an administrator's lock on two-sided printing.
+mapfile -t names < <(python3 scripts/demo_printers.py "$build/native-tests/printers" "$build/demo/printers")
+printer=${names[0]} locked=${names[1]} unlike_duplex=${names[2]} unlike_paper=${names[3]}
+echo "\"$printer\" is a real printer, imported from the description that its maker publishes."
+echo "\"$locked\" is the same printer with two-sided printing locked."
+
+prefix="$prefixes/demo"
+fresh_prefix demo
+trap 'stop_wineserver "$prefix"' EXIT
+start_wineserver "$prefix"
+export TESSARY_PREFIX=$prefix
+# Everything that the module has to say; without this value the log holds failures and the main events only.
+scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v LogLevel /d verbose /f >/dev/null
+
+heading "One command installs the driver and its printers"
+show_printctl install --profiles "Z:${build//\//\\}\\demo\\printers"
+show_printctl printers
+
+heading "What the printer can do"
+show_printctl capabilities "$printer"
+
+heading "Its default settings, field by field"
+show_printctl devmode "$printer"
+
+heading "An application's settings, merged while two-sided printing is locked"
+request=(--set "duplex=$unlike_duplex" --set "paper=$unlike_paper" --set copies=3)
+show_printctl devmode "$locked" "${request[@]}"
+merged=$(printctl devmode "$locked" "${request[@]}" --json)
+
+heading "What the module wrote to its log meanwhile"
+# One log for each process; their names sort by time.
+log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
+log=${log_files[-1]}
+[ -f "$log" ] || die "the module left no log in the prefix"
+echo "C:\\ProgramData\\Zelmora\\Tessary\\logs\\${log##*/}, its beginning and some of the rest:"
+echo
+head -n 8 "$log"
+echo "..."
+grep -nE "MergeAndCopyDM|error|lockedSettings|don't support" "$log" | head -n 20 || true
+
+heading "What was seen"
+python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"

@@ -1,0 +1,79 @@
+# shellcheck shell=bash
+# Shell functions that the scripts share. Source it; it sets the shell's strict mode and moves to the repository root.
+set -euo pipefail
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+cd -- "$root"
+build="$root/build"
+logs="$build/logs"
+prefixes="$build/prefixes"
+mkdir -p "$logs"
+
+# The same language and no display on every machine: our Wine prefixes draw with the null driver.
+export LC_ALL=C.UTF-8
+unset DISPLAY WAYLAND_DISPLAY LANGUAGE LC_MESSAGES
+
+step_number=0
+step_total=0
+
+# step LOG TEXT COMMAND [ARGUMENT ...]
+# Runs the command as one step: one line on the terminal, everything else in build/logs/LOG.log. On failure the end of
+# the log follows, and the step's status is returned.
+step() {
+  local log="$logs/$1.log" text=$2 status=0 begin=$SECONDS
+  shift 2
+  step_number=$((step_number + 1))
+  printf '[%d/%d] %s ... ' "$step_number" "$step_total" "$text"
+  "$@" >"$log" 2>&1 </dev/null || status=$?
+  if [ "$status" -eq 0 ]; then
+    printf '%d s\n' "$((SECONDS - begin))"
+    return 0
+  fi
+  printf 'FAILED (status %d)\n' "$status"
+  echo "The last lines of ${log#"$root"/}:"
+  tail -n 40 "$log" | sed 's/^/  | /'
+  echo "Step failed: $text"
+  return "$status"
+}
+
+die() {
+  echo "$(basename -- "$0"): $*" >&2
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  else
+    sudo -- "$@"
+  fi
+}
+
+# wineserver PREFIX-DIRECTORY OPTION: -p keeps the prefix's server alive between programs, -k ends it.
+wineserver() {
+  WINEPREFIX=$1 WINEARCH=win64 WINEDEBUG=-all /usr/lib/wine/wineserver64 "$2"
+}
+
+# start_wineserver PREFIX-DIRECTORY: starts a server that stays, which saves every program the half second of starting
+# one. The first program of a prefix also starts Wine's services, which keep that program's output open for ever: a test
+# runner that waits for the end of the output would hang, so the first one is ours.
+start_wineserver() {
+  wineserver "$1" -p
+  TESSARY_PREFIX=$1 scripts/wine-run.sh cmd /c exit >/dev/null 2>&1 </dev/null
+}
+
+# Ends the prefix's server, if there is one, and waits until its files are written.
+stop_wineserver() {
+  wineserver "$1" -k || true
+  wineserver "$1" -w || true
+}
+
+# fresh_prefix NAME: build/prefixes/NAME becomes a new copy of the prepared prefix.
+fresh_prefix() {
+  local prefix="$prefixes/$1"
+  if [ -e "$prefix" ]; then
+    stop_wineserver "$prefix"
+    rm -rf -- "$prefix"
+  fi
+  cp -a --reflink=auto -- "$prefixes/base" "$prefix"
+}

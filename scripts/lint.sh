@@ -1,0 +1,57 @@
+#!/usr/bin/env bash
+# Checks sources and built files without running the tests: lint.sh [--changed]
+# --changed limits clang-tidy, the slow part, to what differs from the last commit. Every check runs, whatever failed
+# before it; the status is non-zero unless all passed.
+# shellcheck source-path=SCRIPTDIR
+source "$(dirname -- "$0")/lib.sh"
+
+tidy=()
+while [ $# -gt 0 ]; do
+  case $1 in
+    --changed) tidy=(--changed) ;;
+    *) die "unknown argument $1 (lint.sh [--changed])" ;;
+  esac
+  shift
+done
+
+# Files of the working tree that git tracks or would track.
+mapfile -d '' -t files < <(git ls-files -z --cached --others --exclude-standard --deduplicate)
+sources=()
+pythons=()
+shells=()
+for file in "${files[@]}"; do
+  [ -f "$file" ] || continue
+  case $file in
+    *.h | *.cpp) sources+=("$file") ;;
+    *.py) pythons+=("$file") ;;
+    *.sh | .ci/run) shells+=("$file") ;;
+  esac
+done
+
+check_python() {
+  local file
+  for file in "${pythons[@]}"; do
+    # Parsing alone leaves no byte code behind.
+    python3 -c 'import ast, sys; ast.parse(open(sys.argv[1], encoding="utf-8").read(), sys.argv[1])' "$file" || return 1
+  done
+}
+
+failed=0
+check() {
+  step "$@" || failed=$((failed + 1))
+}
+
+step_total=6
+check lint-text "text rules of ${#files[@]} files" python3 scripts/lint_text.py "${files[@]}"
+check lint-format "format of ${#sources[@]} C++ files" clang-format --dry-run --Werror "${sources[@]}"
+check lint-shell "${#shells[@]} shell scripts" shellcheck -x "${shells[@]}"
+check lint-python "${#pythons[@]} Python scripts" check_python
+# The rest looks at what the builds made.
+if bash scripts/build.sh native-tests mingw-release; then
+  check lint-pe "built Windows files" python3 scripts/lint_pe.py "$build/mingw-release/bin" module/tsyprui.def
+  check lint-tidy "clang-tidy" python3 scripts/lint_tidy.py "${tidy[@]}"
+else
+  failed=$((failed + 1))
+fi
+[ "$failed" -eq 0 ] || echo "$failed checks failed; everything they said is in build/logs/lint-*.log"
+[ "$failed" -eq 0 ]

@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# Sets the machine up, builds every preset and runs its tests: test.sh [--preset PRESET] ... [-R REGEX]
+# --preset limits the run to a preset, -R to the test programs whose names match. A failure in one preset does not keep
+# the others from running. The last line counts the single tests; the status is non-zero unless all passed.
+# shellcheck source-path=SCRIPTDIR
+source "$(dirname -- "$0")/lib.sh"
+
+presets=()
+filter=()
+while [ $# -gt 0 ]; do
+  case $1 in
+    --preset) [ $# -ge 2 ] || die "--preset needs a name"; presets+=("$2"); shift ;;
+    -R) [ $# -ge 2 ] || die "-R needs a regular expression"; filter=(-R "$2"); shift ;;
+    *) die "unknown argument $1 (test.sh [--preset PRESET] ... [-R REGEX])" ;;
+  esac
+  shift
+done
+# The native build comes first: its importer makes printer profiles that the Windows tests read.
+[ "${#presets[@]}" -gt 0 ] || presets=(native-tests native-tests-tsan mingw-release mingw-debug)
+
+export ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
+export UBSAN_OPTIONS=print_stacktrace=1
+export TSAN_OPTIONS=second_deadlock_stack=1
+
+results_of() {
+  echo "$build/$1/test-results"
+}
+
+# Every test program leaves a report of its own in the results folder, and CTest one about the programs.
+run_tests() {
+  local preset=$1 results report
+  results=$(results_of "$preset")
+  report=$results/programs
+  # Windows programs take a path to be absolute only when it has a drive; Z: is the root of the file system.
+  case $preset in mingw-*) report=Z:$report ;; esac
+  ctest --preset "$preset" "${filter[@]}" --show-only=json-v1 >"$results/listing.json" || return 1
+  GTEST_OUTPUT="json:$report/" ctest --preset "$preset" "${filter[@]}" --output-junit "$results/ctest.xml"
+}
+
+test_preset() {
+  local preset=$1 results
+  results=$(results_of "$preset")
+  rm -rf -- "$results"
+  mkdir -p "$results/programs"
+  if ! bash scripts/build.sh "$preset"; then
+    touch "$results/build-failed"
+    return 1
+  fi
+  run_tests "$preset" >"$logs/test-$preset.log" 2>&1 </dev/null
+}
+
+bash scripts/setup.sh
+trap 'stop_wineserver "$prefixes/test"' EXIT
+fresh_prefix test
+start_wineserver "$prefixes/test"
+
+for preset in "${presets[@]}"; do
+  begin=$SECONDS
+  outcome=ended
+  test_preset "$preset" || outcome=FAILED
+  echo "Tests of $preset: $outcome after $((SECONDS - begin)) s"
+done
+stop_wineserver "$prefixes/test"
+trap - EXIT
+
+report=()
+for preset in "${presets[@]}"; do
+  report+=("$preset=$(results_of "$preset")")
+done
+# With a filter a preset may have nothing to run; without one that is a fault.
+[ "${#filter[@]}" -gt 0 ] || report=(--expect-tests "${report[@]}")
+exec python3 scripts/test_report.py "${report[@]}"

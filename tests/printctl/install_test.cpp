@@ -1,0 +1,298 @@
+#include "tests/printctl/printctl_fixture.h"
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <array>
+#include <functional>
+
+namespace tsypr::printctl_tests
+{
+
+namespace
+{
+
+constexpr char kDriver[] = "Tessary Universal EMF Driver";
+
+std::vector<std::string> PrinterNames()
+{
+    std::vector<std::string> names;
+    for (const auto& printer : QueryJson({L"printers"}))
+    {
+        names.push_back(printer.at("name"));
+    }
+    return names;
+}
+
+size_t CountOf(const SystemState& state, const std::string& prefix)
+{
+    size_t count = 0;
+    for (const auto& [name, content] : state)
+    {
+        count += name.rfind(prefix, 0) == 0 ? 1u : 0u;
+    }
+    return count;
+}
+
+// The differing entries, for a readable message.
+std::string Difference(const SystemState& before, const SystemState& after)
+{
+    std::string text;
+    for (const auto& [name, content] : before)
+    {
+        const auto found = after.find(name);
+        text += found == after.end()       ? "lost: " + name + "\n"
+                : found->second != content ? "changed: " + name + "\n"
+                                           : "";
+    }
+    for (const auto& [name, content] : after)
+    {
+        text += before.count(name) == 0 ? "new: " + name + "\n" : "";
+    }
+    return text;
+}
+
+// Begins and ends with a system without our driver.
+class InstallTest : public testing::Test
+{
+protected:
+    InstallTest()
+    {
+        EXPECT_EQ(RunPrintctl({L"remove"}).code, 0);
+    }
+
+    ~InstallTest() override
+    {
+        EXPECT_EQ(RunPrintctl({L"remove"}).code, 0);
+    }
+
+    DriverFolder m_driver;
+};
+
+TEST_F(InstallTest, InstallsEverythingAndRemovesItAgain)
+{
+    const SystemState before = ReadSystemState();
+    const Outcome outcome = m_driver.Install();
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
+
+    const SystemState installed = ReadSystemState();
+    const std::string product = std::string(getenv("ProgramFiles")) + "\\Zelmora\\Tessary";
+    EXPECT_EQ(installed.count("driver " + std::string(kDriver)), 1u);
+    EXPECT_EQ(PrinterNames(), (std::vector<std::string>{"Alpha", "B\u00fcro"}));
+    EXPECT_EQ(installed.count("file " + product + "\\language\\tsyprUI_en_us_409.dll"), 1u);
+    EXPECT_EQ(installed.at("file " + product + "\\printers\\alpha.json"), ProfileText("Alpha"));
+    const std::string languages = installed.at("value Software\\Zelmora\\Tessary\\PrintRedir\\plugins\\tsyprui_source");
+    const std::wstring wide(reinterpret_cast<const wchar_t*>(languages.data()));
+    EXPECT_EQ(fs::path(wide), fs::path(product + "\\language\\"));
+    EXPECT_EQ(wide.back(), L'\\');
+    EXPECT_EQ(CountOf(installed, "folder " + std::string(getenv("ProgramData")) + "\\Zelmora\\Tessary"), 1u);
+    const Json printers = QueryJson({L"printers"});
+    EXPECT_EQ(printers.at(0).at("driver"), kDriver);
+    EXPECT_EQ(printers.at(0).at("configVersion"), "0.3.256.1");
+
+    const Outcome removed = RunPrintctl({L"remove"});
+    EXPECT_EQ(removed.code, 0) << removed.error;
+    EXPECT_NE(removed.out.find("removed printer \"Alpha\""), std::string::npos) << removed.out;
+    EXPECT_EQ(Difference(before, ReadSystemState()), "");
+    EXPECT_NE(RunPrintctl({L"remove"}).out.find("nothing was installed"), std::string::npos);
+}
+
+TEST_F(InstallTest, RemoveLeavesOtherPeoplesFiles)
+{
+    ASSERT_EQ(m_driver.Install().code, 0);
+    const fs::path product = fs::path(_wgetenv(L"ProgramFiles")) / L"Zelmora" / L"Tessary";
+    WriteText(product / L"printers" / L"own.json", "{}");
+    EXPECT_EQ(RunPrintctl({L"remove"}).code, 0);
+    EXPECT_TRUE(fs::exists(product / L"printers" / L"own.json"));
+    EXPECT_FALSE(fs::exists(product / L"printers" / L"alpha.json"));
+    fs::remove_all(product.parent_path());
+}
+
+TEST_F(InstallTest, SecondInstallUpdatesAndStaysOne)
+{
+    ASSERT_EQ(m_driver.Install().code, 0);
+    const SystemState first = ReadSystemState();
+    ASSERT_EQ(m_driver.Install().code, 0);
+    EXPECT_EQ(Difference(first, ReadSystemState()), "") << "the same files again change nothing";
+
+    m_driver.PlaceLibrary(L"printctl_test_driver.dll", L"tsyprui.dll");
+    AppendText(m_driver.Path() / L"tsyprui.dll", "newer");
+    fs::remove(m_driver.Path() / L"printers" / L"alpha.json");
+    m_driver.PlaceProfile(L"gamma.json", "Gamma");
+    const Outcome outcome = m_driver.Install();
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
+    EXPECT_EQ(Difference(first, ReadSystemState()).find("old"), std::string::npos) << "no copies left behind";
+    const SystemState second = ReadSystemState();
+    EXPECT_EQ(CountOf(second, "driver " + std::string(kDriver)), 1u);
+    EXPECT_EQ(PrinterNames(), (std::vector<std::string>{"Alpha", "B\u00fcro", "Gamma"}));
+    const std::string product = "file " + std::string(getenv("ProgramFiles")) + "\\Zelmora\\Tessary\\printers\\";
+    EXPECT_EQ(second.count(product + "alpha.json"), 0u);
+    EXPECT_EQ(second.count(product + "gamma.json"), 1u);
+    EXPECT_EQ(fs::path(QueryJson({L"printers"}).at(0).at("configFile").get<std::string>()).filename(), "tsyprui.dll");
+    const std::string configFile = QueryJson({L"printers"}).at(0).at("configFile");
+    EXPECT_EQ(fs::file_size(configFile), fs::file_size(m_driver.Path() / L"tsyprui.dll"));
+}
+
+TEST_F(InstallTest, ReplacesLibrariesThatAProgramUses)
+{
+    ASSERT_EQ(m_driver.Install().code, 0);
+    const fs::path module = QueryJson({L"printers"}).at(0).at("configFile").get<std::string>();
+    const fs::path service = fs::path(_wgetenv(L"SystemRoot")) / L"system32" / L"tsyprserverapi.dll";
+    const std::array<HMODULE, 2> used{LoadLibraryW(module.c_str()), LoadLibraryW(service.c_str())};
+    EXPECT_TRUE(used[0] != nullptr && used[1] != nullptr);
+    AppendText(m_driver.Path() / L"tsyprui.dll", "newer");
+    AppendText(m_driver.Path() / L"tsyprserverapi.dll", "newer");
+    m_driver.PlaceProfile(L"silent.json", "Silent");
+    const std::string old = ReadText(module);
+    const Outcome failed = m_driver.Install();
+    EXPECT_EQ(failed.code, 3);
+    EXPECT_EQ(failed.error.find("warning"), std::string::npos) << failed.error;
+    EXPECT_EQ(ReadText(module), old);
+    fs::remove(m_driver.Path() / L"printers" / L"silent.json");
+    const Outcome outcome = m_driver.Install();
+    EXPECT_EQ(outcome.code, 0) << outcome.error;
+    EXPECT_EQ(ReadText(module), ReadText(m_driver.Path() / L"tsyprui.dll"));
+    EXPECT_EQ(ReadText(service), ReadText(m_driver.Path() / L"tsyprserverapi.dll"));
+    for (const HMODULE library : used)
+    {
+        FreeLibrary(library);
+    }
+}
+
+TEST_F(InstallTest, PrinterMayCarryASessionSuffix)
+{
+    const Outcome outcome = m_driver.Install({L"--printer", L"Alpha,session 4", L"--port", L"LPT1:"});
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
+    const Json printers = QueryJson({L"printers"});
+    ASSERT_EQ(printers.size(), 1u);
+    EXPECT_EQ(printers.at(0).at("name"), "Alpha,session 4");
+    EXPECT_EQ(printers.at(0).at("port"), "LPT1:");
+}
+
+struct FailingCase
+{
+    const char* name;
+    // Spoils the driver folder; may return further arguments.
+    std::function<std::vector<std::wstring>(const DriverFolder& driver)> spoil;
+    int code;
+    const char* message;
+};
+
+using Arguments = std::vector<std::wstring>;
+
+const FailingCase kFailingCases[] = {
+    {"no driver file",
+     [](const DriverFolder& driver)
+     {
+         fs::remove(driver.Path() / L"tsyprui.dll");
+         return Arguments{};
+     },
+     4,
+     "tsyprui.dll\" is missing"},
+    {"no language folder",
+     [](const DriverFolder& driver) {
+         return Arguments{L"--language-dir", (driver.Path() / L"nowhere").wstring()};
+     },
+     4,
+     "no language libraries"},
+    {"no profiles",
+     [](const DriverFolder& driver) {
+         return Arguments{L"--profiles", driver.Path().wstring()};
+     },
+     4,
+     "no printer profiles"},
+    {"a broken profile",
+     [](const DriverFolder& driver)
+     {
+         WriteText(driver.Path() / L"printers" / L"broken.json", "{ \"name\": ");
+         return Arguments{};
+     },
+     4,
+     "broken.json"},
+    {"a printer without a profile",
+     [](const DriverFolder&) {
+         return Arguments{L"--printer", L"Omega,1"};
+     },
+     2,
+     "no printer profile is named \"Omega\""},
+    {"an impossible printer name",
+     [](const DriverFolder&) {
+         return Arguments{L"--printer", L"a\\Alpha,1"};
+     },
+     1,
+     "cannot be a printer's name"},
+    {"no data file",
+     [](const DriverFolder& driver) {
+         return Arguments{L"--data-file", (driver.Path() / L"no.ppd").wstring()};
+     },
+     4,
+     "no.ppd"},
+    {"a driver file that does not load",
+     [](const DriverFolder& driver)
+     {
+         WriteText(driver.Path() / L"tsyprui.dll", "this is no library");
+         return Arguments{};
+     },
+     3,
+     "loading"},
+    {"a driver file without its functions",
+     [](const DriverFolder& driver)
+     {
+         driver.PlaceLibrary(L"printctl_test_empty.dll", L"tsyprui.dll");
+         return Arguments{};
+     },
+     3,
+     "does not export Drv"},
+    {"a service library without its functions",
+     [](const DriverFolder& driver)
+     {
+         driver.PlaceLibrary(L"printctl_test_empty.dll", L"tsyprserverapi.dll");
+         return Arguments{};
+     },
+     3,
+     "does not export VpOpenRemotePrinter"},
+    {"a second printer that the driver knows nothing of",
+     [](const DriverFolder& driver)
+     {
+         driver.PlaceProfile(L"a0.json", "Aardvark");
+         driver.PlaceProfile(L"silent.json", "Silent");
+         return Arguments{};
+     },
+     3,
+     "DrvConvertDevMode for \"Silent\""},
+};
+
+struct FailingInstallTest : InstallTest, testing::WithParamInterface<std::tuple<bool, size_t>>
+{
+};
+
+// Each fault leaves printers, driver, files and registry as they were, be it nothing or an earlier installation.
+TEST_P(FailingInstallTest, LeavesEverythingAsItWas)
+{
+    const auto& [overAnother, index] = GetParam();
+    const FailingCase& failing = kFailingCases[index];
+    SCOPED_TRACE(failing.name);
+    const fs::path& folder = m_driver.Path();
+    if (overAnother)
+    {
+        ASSERT_EQ(m_driver.Install().code, 0);
+        // So that the failing run has something to replace.
+        AppendText(folder / L"tsyprui.dll", "newer");
+        AppendText(folder / L"tsyprUI_en_us_409.dll", "newer");
+        AppendText(folder / L"tsyprserverapi.dll", "newer");
+    }
+    const SystemState before = ReadSystemState();
+    const Outcome outcome = m_driver.Install(failing.spoil(m_driver));
+    EXPECT_EQ(outcome.code, failing.code);
+    EXPECT_NE(outcome.error.find(failing.message), std::string::npos) << outcome.error;
+    EXPECT_EQ(outcome.error.find("warning"), std::string::npos) << outcome.error;
+    EXPECT_EQ(Difference(before, ReadSystemState()), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults,
+                         FailingInstallTest,
+                         testing::Combine(testing::Bool(), testing::Range(size_t{0}, std::size(kFailingCases))));
+
+} // namespace
+
+} // namespace tsypr::printctl_tests

@@ -1,0 +1,221 @@
+// A small printer driver with fixed answers, so that the program can be tried without the product's own libraries. The
+// same file serves as UI library, as remote printer service and as language library.
+#include "remote/private_devmode.h"
+
+#include <windows.h>
+#include <winspool.h>
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <string_view>
+
+namespace
+{
+
+using namespace tsypr;
+
+constexpr WORD kLeadingExtra = 8;
+constexpr LONG kTotalSize = sizeof(DEVMODEW) + kLeadingExtra + sizeof(PrivateDevMode);
+
+constexpr WORD kPapers[] = {9, 1, 300};
+constexpr POINT kPaperSizes[] = {{2100, 2970}, {2159, 2794}, {1055, 2415}};
+constexpr const wchar_t* kPaperNames[] = {L"A4", L"Letter", L"Umschlag gro\u00df"};
+constexpr WORD kBins[] = {7, 2};
+constexpr const wchar_t* kBinNames[] = {L"Automatically Select", L"Tray 2"};
+constexpr DWORD kMediaTypes[] = {1, 0x80000005};
+constexpr const wchar_t* kMediaTypeNames[] = {L"Plain", L"Glossy Photo"};
+constexpr LONG kResolutions[][2] = {{600, 600}, {1200, 1200}};
+constexpr DWORD kPagesPerSheet[] = {1, 2, 4};
+
+// The parts of a document property request without a dialog, as the spooler hands them over.
+struct RequestHeader
+{
+    WORD cbSize;
+    WORD reserved;
+    HANDLE printer;
+    const wchar_t* printerName;
+    const DEVMODEW* in;
+    DEVMODEW* out;
+    DWORD cbOut;
+    DWORD mode;
+};
+
+// A printer of this name gives no device mode, one named Chatty writes more bin names than it announces.
+bool IsNamed(const wchar_t* printer, std::wstring_view name)
+{
+    return printer != nullptr && std::wstring_view(printer) == name;
+}
+
+void MakeDefault(DEVMODEW* dm)
+{
+    std::memset(dm, 0, kTotalSize);
+    wcscpy(dm->dmDeviceName, L"Test Driver");
+    dm->dmSpecVersion = 0x401;
+    dm->dmSize = sizeof(DEVMODEW);
+    dm->dmDriverExtra = kLeadingExtra + sizeof(PrivateDevMode);
+    dm->dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_DUPLEX | DM_PRINTQUALITY | DM_MEDIATYPE;
+    dm->dmOrientation = DMORIENT_PORTRAIT;
+    dm->dmPaperSize = DMPAPER_A4;
+    dm->dmCopies = 1;
+    dm->dmDuplex = DMDUP_SIMPLEX;
+    dm->dmPrintQuality = 600;
+    dm->dmMediaType = 0x80000005;
+    auto* block =
+        reinterpret_cast<PrivateDevMode*>(reinterpret_cast<unsigned char*>(dm) + kTotalSize - sizeof(PrivateDevMode));
+    block->signature = kPrivateDevModeSignature;
+    block->pagesPerSheet = 1;
+    block->featureBitmap = kFeatureNup | kFeatureFinishing;
+    block->lockedSettings = kLockedDuplex;
+    block->nupLayout.Write(L"psk:RightBottom");
+}
+
+// Takes over what this driver knows; duplex is locked, and only listed papers are accepted.
+void Merge(DEVMODEW* out, const DEVMODEW* in)
+{
+    if ((in->dmFields & DM_ORIENTATION) != 0)
+    {
+        out->dmOrientation = in->dmOrientation;
+    }
+    if ((in->dmFields & DM_COPIES) != 0)
+    {
+        out->dmCopies = in->dmCopies;
+    }
+    const auto paper = static_cast<WORD>(in->dmPaperSize);
+    if ((in->dmFields & DM_PAPERSIZE) != 0 &&
+        std::find(std::begin(kPapers), std::end(kPapers), paper) != std::end(kPapers))
+    {
+        out->dmPaperSize = in->dmPaperSize;
+    }
+    const PrivateDevMode* asked = GetPrivateDevMode(in);
+    PrivateDevMode* block = GetPrivateDevMode(out);
+    if (asked != nullptr && block != nullptr)
+    {
+        block->compression = asked->compression;
+        block->pagesPerSheet = asked->pagesPerSheet;
+        std::memcpy(block->watermark, asked->watermark, sizeof(block->watermark));
+    }
+}
+
+template <typename Element, size_t Count>
+DWORD GiveList(const Element (&list)[Count], void* output)
+{
+    if (output != nullptr)
+    {
+        std::memcpy(output, list, sizeof(list));
+    }
+    return static_cast<DWORD>(Count);
+}
+
+template <size_t Count>
+DWORD GiveNames(const wchar_t* const (&names)[Count], size_t chars, void* output)
+{
+    for (size_t i = 0; output != nullptr && i < Count; ++i)
+    {
+        wcsncpy(static_cast<wchar_t*>(output) + i * chars, names[i], chars);
+    }
+    return static_cast<DWORD>(Count);
+}
+
+DWORD GiveBinNames(const wchar_t* printer, void* output)
+{
+    if (output != nullptr && IsNamed(printer, L"Chatty"))
+    {
+        wcscpy(static_cast<wchar_t*>(output) + std::size(kBinNames) * 24, L"One too many");
+    }
+    return GiveNames(kBinNames, 24, output);
+}
+
+} // namespace
+
+#define TEST_EXPORT extern "C" __declspec(dllexport)
+
+TEST_EXPORT DWORD WINAPI
+DrvDeviceCapabilities(HANDLE, const wchar_t* printer, WORD index, void* output, const DEVMODEW* dm)
+{
+    switch (index)
+    {
+    case DC_PAPERS:
+        return GiveList(kPapers, output);
+    case DC_PAPERSIZE:
+        return GiveList(kPaperSizes, output);
+    case DC_PAPERNAMES:
+        return GiveNames(kPaperNames, 64, output);
+    case DC_BINS:
+        return GiveList(kBins, output);
+    case DC_BINNAMES:
+        return GiveBinNames(printer, output);
+    case DC_MEDIATYPES:
+        return GiveList(kMediaTypes, output);
+    case DC_MEDIATYPENAMES:
+        return GiveNames(kMediaTypeNames, 64, output);
+    case DC_ENUMRESOLUTIONS:
+        return GiveList(kResolutions, output);
+    case DC_NUP:
+        return GiveList(kPagesPerSheet, output);
+    case DC_MAXEXTENT:
+        return static_cast<DWORD>(MAKELONG(2159, 3556));
+    case DC_COPIES:
+        return dm == nullptr ? 99 : static_cast<DWORD>(dm->dmCopies);
+    case DC_DUPLEX:
+        return 1;
+    default:
+        return static_cast<DWORD>(-1);
+    }
+}
+
+TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(void* ui, LPARAM parameter)
+{
+    auto* header = reinterpret_cast<RequestHeader*>(parameter);
+    if (ui != nullptr || IsNamed(header->printerName, L"Silent"))
+    {
+        return -1;
+    }
+    if (header->mode == 0 || header->out == nullptr)
+    {
+        return kTotalSize;
+    }
+    DEVMODEW* out = header->out;
+    MakeDefault(out);
+    if (header->in != nullptr && (header->mode & DM_IN_BUFFER) != 0)
+    {
+        Merge(out, header->in);
+    }
+    return 1;
+}
+
+TEST_EXPORT BOOL WINAPI
+DrvConvertDevMode(const wchar_t* printer, const DEVMODEW* in, DEVMODEW* out, LONG* needed, DWORD mode)
+{
+    if (IsNamed(printer, L"Silent"))
+    {
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        return FALSE;
+    }
+    if (mode == 1 && in != nullptr && out != nullptr)
+    {
+        out->dmOrientation = in->dmOrientation;
+        out->dmCopies = in->dmCopies;
+        return TRUE;
+    }
+    *needed = kTotalSize;
+    if (out == nullptr)
+    {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return FALSE;
+    }
+    MakeDefault(out);
+    return TRUE;
+}
+
+#define TEST_SERVICE_FUNCTION(name)                                                                                    \
+    TEST_EXPORT void name() {}
+TEST_SERVICE_FUNCTION(VpOpenRemotePrinter)
+TEST_SERVICE_FUNCTION(VpCloseRemotePrinter)
+TEST_SERVICE_FUNCTION(VpGetDevMode)
+TEST_SERVICE_FUNCTION(VpFreeDevMode)
+TEST_SERVICE_FUNCTION(VpGetDeviceCapabilities)
+TEST_SERVICE_FUNCTION(VpFreeDeviceCapabilities)
+TEST_SERVICE_FUNCTION(VpMakePTQuery)
+TEST_SERVICE_FUNCTION(VpFreePTData)

@@ -1,0 +1,113 @@
+// A remote printer service that answers by script and notes how it is called.
+#ifndef TESSARY_TESTS_REMOTE_FAKE_SERVICE_H
+#define TESSARY_TESTS_REMOTE_FAKE_SERVICE_H
+
+#include "remote/remote_printer_service.h"
+#include "tests/remote/device_mode_builder.h"
+#include "tests/remote/guarded_memory.h"
+#include "tests/remote/log_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tsypr::test
+{
+
+struct CapabilityReply
+{
+    std::optional<int32_t> result; // not written when absent
+    std::optional<Bytes> data;     // a null pointer when absent
+    uint32_t size = 0;
+    DWORD status = 0;
+};
+
+// A list with the number of its bytes stated truly.
+template <typename Entry>
+CapabilityReply ListReply(int32_t result, const std::vector<Entry>& entries)
+{
+    CapabilityReply reply;
+    reply.result = result;
+    const auto* begin = reinterpret_cast<const BYTE*>(entries.data());
+    reply.data = Bytes(begin, begin + entries.size() * sizeof(Entry));
+    reply.size = static_cast<uint32_t>(reply.data->size());
+    return reply;
+}
+
+struct CapabilityCall
+{
+    uint16_t capability;
+    bool wantsData;
+    uint32_t devModeSize;
+    const DEVMODEW* devMode;
+    int32_t presetResult;
+};
+
+// Binds itself as the service while it lives. Every reply lies against an inaccessible page. A handle that is not open,
+// a reply given back wrongly, twice or never is a test failure.
+class FakeService
+{
+public:
+    FakeService();
+    FakeService(const FakeService&) = delete;
+    FakeService& operator=(const FakeService&) = delete;
+    ~FakeService();
+
+    // The script.
+    bool opens = true;
+    std::optional<Bytes> devMode; // null when absent
+    std::map<uint16_t, CapabilityReply> capabilities;
+    bool notesCalls = true;
+
+    // The calls since the last time: "open NAME", "close", "getDevMode", "freeDevMode", "caps INDEX", "freeCaps".
+    std::vector<std::string> TakeCalls();
+    const CapabilityCall& LastCapabilityCall() const
+    {
+        return m_lastCapabilityCall;
+    }
+
+private:
+    static DWORD WINAPI Open(const wchar_t* printerName, RemotePrinterHandle* handle);
+    static void WINAPI Close(RemotePrinterHandle handle);
+    static DWORD WINAPI GetDevMode(RemotePrinterHandle handle, DEVMODEW** result);
+    static void WINAPI FreeDevMode(void* data);
+    static DWORD WINAPI GetCapabilities(RemotePrinterHandle handle,
+                                        uint16_t capability,
+                                        uint32_t* dataSize,
+                                        void** data,
+                                        uint32_t devModeSize,
+                                        const DEVMODEW* devMode,
+                                        int32_t* queryResult);
+    static void WINAPI FreeCapabilities(void* data);
+
+    using Replies = std::map<void*, std::unique_ptr<GuardedMemory>>;
+    void Note(const std::string& call);
+    void CheckOpen(RemotePrinterHandle handle);
+    static void* HandOut(Replies& replies, const Bytes& bytes);
+
+    std::mutex m_lock;
+    std::vector<std::string> m_calls;
+    std::set<RemotePrinterHandle> m_open;
+    uintptr_t m_nextHandle = 0x1000;
+    Replies m_devModes;
+    Replies m_lists;
+    CapabilityCall m_lastCapabilityCall = {};
+};
+
+// What nearly every test works with.
+class RemoteTest : public testing::Test
+{
+protected:
+    LogCapture log;
+    FakeService service;
+};
+
+} // namespace tsypr::test
+
+#endif
