@@ -10,9 +10,10 @@ namespace tsypr
 {
 
 // Asks the client printer behind `printerName` for a list-valued capability (`capIndex` is a DC_* value); the device
-// mode may be null. Returns the client's count and stores the list and its size in bytes; the caller presets `outData`
-// to null and releases the list with free(). Returns -1 when the printer cannot be opened, no data comes back or memory
-// runs out, with nothing stored. An answer without data (a pure count) gives -1, too.
+// mode may be null. Returns the client's count and stores the list and its size in bytes. Returns -1 when the printer
+// cannot be opened, no data comes back or memory runs out; an answer without data (a pure count) gives -1, too. The
+// caller presets `outData` to null and releases whatever it holds afterwards with free(), also when the client's count
+// is -1.
 int32_t GetDeviceCapabilitiesData(const wchar_t* printerName,
                                   uint16_t capIndex,
                                   const DEVMODEW* pDevMode,

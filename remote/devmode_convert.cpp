@@ -1,6 +1,7 @@
 #include "module/log.h"
 #include "remote/driver_exports.h"
 #include "remote/devmode_fetch.h"
+#include "remote/devmode_header_keeper.h"
 #include "remote/printer_name.h"
 #include "remote/private_devmode.h"
 
@@ -64,18 +65,14 @@ const unsigned char* Bytes(const DEVMODEW* dm) noexcept
 // areas of different sizes the block does not line up. That is how it must be. Returns whether anything was copied.
 bool CopyConverted(DEVMODEW* out, const DEVMODEW* in) noexcept
 {
-    const WORD specVersion = out->dmSpecVersion;
-    const WORD driverVersion = out->dmDriverVersion;
-    const WORD outSize = out->dmSize;
-    const WORD outExtra = out->dmDriverExtra;
     const size_t inSize = in->dmSize;
-    const size_t publicBytes = std::min<size_t>(inSize, outSize);
-    const size_t extraBytes = std::min(in->dmDriverExtra, outExtra);
-    std::memmove(Bytes(out), Bytes(in), publicBytes);
-    out->dmSpecVersion = specVersion;
-    out->dmDriverVersion = driverVersion;
-    out->dmSize = outSize;
-    out->dmDriverExtra = outExtra;
+    const size_t outSize = out->dmSize;
+    const size_t publicBytes = std::min(inSize, outSize);
+    const size_t extraBytes = std::min(in->dmDriverExtra, out->dmDriverExtra);
+    {
+        const DevModeHeaderKeeper keeper(out);
+        std::memmove(Bytes(out), Bytes(in), publicBytes);
+    }
     std::memmove(Bytes(out) + outSize, Bytes(in) + inSize, extraBytes);
     return publicBytes + extraBytes != 0;
 }

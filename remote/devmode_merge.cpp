@@ -3,6 +3,7 @@
 #include "module/log.h"
 #include "remote/device_capabilities.h"
 #include "remote/devmode_copy.h"
+#include "remote/devmode_header_keeper.h"
 #include "remote/private_devmode.h"
 
 #include <wingdi.h>
@@ -186,6 +187,7 @@ void Merge::Private() const noexcept
     {
         return;
     }
+    const DevModeHeaderKeeper keeper(m_out);
     if (!Locked(kLockedCompressionLevel))
     {
         out->compression = in->compression;

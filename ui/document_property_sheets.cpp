@@ -4,6 +4,7 @@
 #include "module/malloc_ptr.h"
 #include "remote/devmode_dump.h"
 #include "remote/devmode_fetch.h"
+#include "remote/devmode_header_keeper.h"
 #include "remote/devmode_merge.h"
 #include "remote/printer_name.h"
 #include "remote/private_devmode.h"
@@ -63,6 +64,7 @@ void StorePrinterName(DEVMODEW* devMode, const PrinterName& name) noexcept
 {
     if (PrivateDevMode* block = GetPrivateDevMode(devMode))
     {
+        const DevModeHeaderKeeper keeper(devMode);
         block->printerName.Write(name);
     }
 }

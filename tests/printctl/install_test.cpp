@@ -85,7 +85,7 @@ TEST_F(InstallTest, InstallsEverythingAndRemovesItAgain)
     const std::wstring wide(reinterpret_cast<const wchar_t*>(languages.data()));
     EXPECT_EQ(fs::path(wide), fs::path(product + "\\language\\"));
     EXPECT_EQ(wide.back(), L'\\');
-    EXPECT_EQ(CountOf(installed, "folder " + std::string(getenv("ProgramData")) + "\\Zelmora\\Tessary"), 1u);
+    EXPECT_EQ(installed.count("folder " + std::string(getenv("ProgramData")) + "\\Zelmora\\Tessary"), 1u);
     const Json printers = QueryJson({L"printers"});
     EXPECT_EQ(printers.at(0).at("driver"), kDriver);
     EXPECT_EQ(printers.at(0).at("configVersion"), "0.3.256.1");
@@ -102,9 +102,29 @@ TEST_F(InstallTest, RemoveLeavesOtherPeoplesFiles)
     ASSERT_EQ(m_driver.Install().code, 0);
     const fs::path product = fs::path(_wgetenv(L"ProgramFiles")) / L"Zelmora" / L"Tessary";
     WriteText(product / L"printers" / L"own.json", "{}");
+    // Another driver that has come to use a file of ours in the spooler's folder.
+    const fs::path spooler = fs::path(_wgetenv(L"SystemRoot")) / L"system32" / L"spool" / L"drivers" / L"x64" / L"3";
+    std::wstring name = L"Another Driver";
+    std::wstring environment = L"Windows x64";
+    std::wstring graphics = (spooler / L"wineps.drv").wstring();
+    std::wstring data = (spooler / L"tessary.ppd").wstring();
+    DRIVER_INFO_3W other{};
+    other.cVersion = 3;
+    other.pName = name.data();
+    other.pEnvironment = environment.data();
+    other.pDriverPath = graphics.data();
+    other.pDataFile = data.data();
+    other.pConfigFile = graphics.data();
+    ASSERT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&other), APD_COPY_ALL_FILES));
+
     EXPECT_EQ(RunPrintctl({L"remove"}).code, 0);
     EXPECT_TRUE(fs::exists(product / L"printers" / L"own.json"));
     EXPECT_FALSE(fs::exists(product / L"printers" / L"alpha.json"));
+    EXPECT_TRUE(fs::exists(data));
+    EXPECT_TRUE(fs::exists(graphics));
+    EXPECT_FALSE(fs::exists(spooler / L"tsyprui.dll"));
+    DeletePrinterDriverExW(nullptr, environment.data(), name.data(), 0, 0);
+    fs::remove(data);
     fs::remove_all(product.parent_path());
 }
 
@@ -280,6 +300,13 @@ TEST_P(FailingInstallTest, LeavesEverythingAsItWas)
         AppendText(folder / L"tsyprui.dll", "newer");
         AppendText(folder / L"tsyprUI_en_us_409.dll", "newer");
         AppendText(folder / L"tsyprserverapi.dll", "newer");
+        constexpr wchar_t elsewhere[] = L"X:\\elsewhere\\";
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE,
+                        L"Software\\Zelmora\\Tessary\\PrintRedir\\plugins",
+                        L"tsyprui_source",
+                        REG_EXPAND_SZ,
+                        elsewhere,
+                        sizeof(elsewhere));
     }
     const SystemState before = ReadSystemState();
     const Outcome outcome = m_driver.Install(failing.spoil(m_driver));
