@@ -64,7 +64,7 @@ void MeasureCapabilityQuery(Report& report)
     decltype(DrvDeviceCapabilities)* query = nullptr;
     module.Bind("DrvDeviceCapabilities", query);
     wchar_t printer[] = L"Office Laser";
-    std::vector<std::byte> throughModule(64 * 1024);
+    std::vector<std::byte> throughModule(64U * 1024U);
     std::vector<std::byte> direct(throughModule.size());
     for (const Question& question : kQuestions)
     {

@@ -26,6 +26,21 @@ TextBuffer::~TextBuffer()
     }
 }
 
+// The text in heap memory of the capacity; null when there is none, and the text stays where it is.
+char* TextBuffer::Moved(size_t capacity) const noexcept
+{
+    if (OnHeap())
+    {
+        return static_cast<char*>(std::realloc(m_data, capacity));
+    }
+    char* data = static_cast<char*>(std::malloc(capacity));
+    if (data != nullptr)
+    {
+        std::memcpy(data, m_data, m_size);
+    }
+    return data;
+}
+
 // Returns how many of the wanted bytes fit after growing as far as possible.
 size_t TextBuffer::MakeRoom(size_t wanted) noexcept
 {
@@ -36,13 +51,9 @@ size_t TextBuffer::MakeRoom(size_t wanted) noexcept
     if (m_grows && wanted <= SIZE_MAX / 4 && m_size <= SIZE_MAX / 4)
     {
         const size_t capacity = std::max(m_capacity * 2, m_size + wanted);
-        char* data = static_cast<char*>(OnHeap() ? std::realloc(m_data, capacity) : std::malloc(capacity));
+        char* data = Moved(capacity);
         if (data != nullptr)
         {
-            if (!OnHeap())
-            {
-                std::memcpy(data, m_data, m_size);
-            }
             m_data = data;
             m_capacity = capacity;
             return wanted;

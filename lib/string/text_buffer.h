@@ -42,6 +42,7 @@ public:
     void Truncate(size_t size) noexcept;
 
 private:
+    char* Moved(size_t capacity) const noexcept;
     size_t MakeRoom(size_t wanted) noexcept;
     bool OnHeap() const noexcept
     {

@@ -6,9 +6,8 @@
 
 #include <windows.h>
 
+#include <cwchar>
 #include <stdexcept>
-#include <string>
-#include <string_view>
 
 namespace tsypr::test
 {
@@ -18,7 +17,7 @@ inline constexpr wchar_t kModuleKeyW[] = L"Software\\Zelmora\\Tessary\\PrintRedi
 inline constexpr wchar_t kPolicyKeyW[] = L"Software\\Policies\\Zelmora\\Tessary\\PrintRedir";
 inline constexpr wchar_t kLegacyPolicyKeyW[] = L"Software\\Policies\\Brenlow, Inc.\\Brenlow LDX\\PrintRedir";
 
-// Stands in for HKEY_LOCAL_MACHINE, in this process and in those that take it over from here.
+// Stands in for HKEY_LOCAL_MACHINE.
 inline constexpr wchar_t kFakeMachine[] = L"Software\\Tessary module tests";
 
 // While it lives, HKEY_LOCAL_MACHINE is an empty key of the user's. The user's own hive cannot be replaced where
@@ -45,34 +44,34 @@ public:
     TestRegistry(const TestRegistry&) = delete;
     TestRegistry& operator=(const TestRegistry&) = delete;
 
-    // Writes the bytes as they are.
-    void Set(HKEY root, const wchar_t* key, const wchar_t* name, DWORD type, const void* data, size_t bytes) const
-    {
-        if (RegSetKeyValueW(root, key, name, type, data, static_cast<DWORD>(bytes)) != ERROR_SUCCESS)
-        {
-            throw std::runtime_error("value not written");
-        }
-    }
-    void SetText(const wchar_t* key, const wchar_t* name, std::wstring_view text, DWORD type = REG_SZ) const
-    {
-        const std::wstring terminated = std::wstring(text) + L'\0';
-        Set(HKEY_LOCAL_MACHINE, key, name, type, terminated.data(), terminated.size() * sizeof(wchar_t));
-    }
-    void SetDword(HKEY root, const wchar_t* key, const wchar_t* name, DWORD value) const
-    {
-        Set(root, key, name, REG_DWORD, &value, sizeof(value));
-    }
-
 private:
     static void Clear()
     {
         for (const wchar_t* key : {kFakeMachine, kPolicyKeyW, kLegacyPolicyKeyW})
         {
             RegDeleteTreeW(HKEY_CURRENT_USER, key);
-            RegDeleteKeyW(HKEY_CURRENT_USER, key);
         }
     }
 };
+
+// Writes the bytes as they are.
+inline void SetBytes(HKEY root, const wchar_t* key, const wchar_t* name, DWORD type, const void* data, size_t bytes)
+{
+    if (RegSetKeyValueW(root, key, name, type, data, static_cast<DWORD>(bytes)) != ERROR_SUCCESS)
+    {
+        throw std::runtime_error("value not written");
+    }
+}
+
+// Writes a text of the machine, or removes the value when the text is null.
+inline void SetText(const wchar_t* key, const wchar_t* name, const wchar_t* text, DWORD type = REG_SZ)
+{
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, key, name);
+    if (text != nullptr)
+    {
+        SetBytes(HKEY_LOCAL_MACHINE, key, name, type, text, (std::wcslen(text) + 1) * sizeof(wchar_t));
+    }
+}
 
 } // namespace tsypr::test
 
