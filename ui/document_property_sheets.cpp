@@ -110,6 +110,11 @@ LONG WINAPI DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam
         auto* header = reinterpret_cast<DOCUMENTPROPERTYHEADER*>(lParam);
         return header != nullptr ? tsypr::AnswerWithoutUI(*header) : 0;
     }
-    // The driver has no pages: a sheet cannot be opened, and there is nothing to do for any other reason.
-    return pPSUIInfo->Reason == PROPSHEETUI_REASON_INIT ? 0 : 1;
+    if (pPSUIInfo->Reason == PROPSHEETUI_REASON_INIT)
+    {
+        // The driver has no pages, so a sheet cannot be opened.
+        tsypr::LogError("%s, there are no property pages.\n", tsypr::kFunction);
+        return 0;
+    }
+    return 1;
 }
