@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t kMaxPaperName = 63;
 constexpr int kUserDefinedPaper = 256;
 constexpr int kFirstVendorPaper = 257;
-constexpr int kMaxLength = 32767;      // what a device mode can hold
+constexpr int kMaxLength = 32767; // what a device mode can hold
 
 // One PageSize choice on its way to a paper.
 struct Candidate
