@@ -64,11 +64,13 @@ heading "What the module wrote to its log meanwhile"
 log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 log=${log_files[-1]}
 [ -f "$log" ] || die "the module left no log in the prefix"
-echo "C:\\ProgramData\\Zelmora\\Tessary\\logs\\${log##*/}, its beginning and some of the rest:"
+echo "C:\\ProgramData\\Zelmora\\Tessary\\logs\\${log##*/} begins:"
 echo
 head -n 8 "$log"
-echo "..."
-grep -nE "MergeAndCopyDM|error|lockedSettings|don't support" "$log" | head -n 20 || true
+echo
+echo "and of the merge it says, among other things (dmIn is what the application asked for, dmOut what it got):"
+echo
+grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyDM" "$log" | sed -n '/dmIn:/,$p'
 
 heading "What was seen"
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"

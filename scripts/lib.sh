@@ -55,11 +55,10 @@ wineserver() {
 }
 
 # start_wineserver PREFIX-DIRECTORY: starts a server that stays, which saves every program the half second of starting
-# one. The first program of a prefix also starts Wine's services, which keep that program's output open for ever: a test
-# runner that waits for the end of the output would hang, so the first one is ours.
+# one. The first program, which brings up Wine's services and with them never closes its output, has none.
 start_wineserver() {
   wineserver "$1" -p
-  TESSARY_PREFIX=$1 scripts/wine-run.sh cmd /c exit >/dev/null 2>&1 </dev/null
+  TESSARY_PREFIX=$1 scripts/wine-run.sh cmd /c exit </dev/null >/dev/null 2>&1
 }
 
 # Ends the prefix's server, if there is one, and waits until its files are written.

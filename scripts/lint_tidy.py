@@ -19,7 +19,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-GCC_ONLY = re.compile(r"-f(no-)?sanitize|-Wnull-dereference|-fdiagnostics-color")
+GCC_ONLY = re.compile(r"-f(no-)?sanitize|-Wnull-dereference|-fdiagnostics-color|-Winvalid-pch")
 LINE = re.compile(r"^.+:\d+:\d+: (warning|error): ")
 
 
@@ -44,7 +44,7 @@ def clang_arguments(entry, extra):
     for argument in arguments[1:]:
         if skip:
             skip = False
-        elif argument == "-o":
+        elif argument in ("-o", "-include"):  # -include brings in GCC's precompiled headers
             skip = True
         elif not GCC_ONLY.match(argument) and argument != "-Werror":
             kept.append(argument)

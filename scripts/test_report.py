@@ -34,12 +34,13 @@ def tail(text):
     return "\n".join(text.rstrip().splitlines()[-OUTPUT_LINES:])
 
 
-def program_of(test):
-    """The name of the GoogleTest program that a CTest entry runs, or None when it runs something else."""
+def program_of(test, binaries, names):
+    """The GoogleTest program that a CTest entry runs, or None when it runs something else."""
     for argument in test.get("command", []):
         path = Path(argument)
-        if path.parent.name == "bin" and path.name in (test["name"], test["name"] + ".exe"):
-            return test["name"]
+        program = path.name.removesuffix(".exe")
+        if path.is_relative_to(binaries) and (program in names or program.endswith(("_test", "_tests"))):
+            return program
     return None
 
 
@@ -55,7 +56,7 @@ def read_endings(path):
     return endings
 
 
-def count_program(count, path):
+def count_report(count, path):
     """Adds the tests of one program's report; returns how many failures it told."""
     try:
         report = json.loads(read_text(path))
@@ -79,21 +80,18 @@ def count_program(count, path):
     return failed
 
 
-def count_test(count, test, ending, reports):
-    passed, output = ending
-    name = test["name"]
-    if program_of(test) is None:
-        if passed:
-            count.passed += 1
-        else:
-            count.fail(name, tail(output))
-        return
-    report = reports / (name + ".json")
-    if not report.exists():
+def count_program(count, program, runs, reports):
+    """Adds one program's tests. `runs` tells how each of its CTest entries ended: (name, passed, output)."""
+    # A second run of the same program writes NAME_1.json, and so on.
+    found = [path for path in reports.glob(program + "*.json") if re.fullmatch(r"(_\d+)?", path.stem[len(program) :])]
+    failed = sum(count_report(count, path) for path in sorted(found))
+    bad = [run for run in runs if not run[1]]
+    lost = len(runs) - len(found)
+    for name, _, output in (bad or runs)[: max(lost, 0)]:
         count.fail(name, "it ended before its tests were through\n" + tail(output))
-        return
-    if count_program(count, report) == 0 and not passed:
-        count.fail(name, "every test passed, yet the program failed\n" + tail(output))
+    if bad and failed == 0 and lost <= 0:
+        for name, _, output in bad:
+            count.fail(name, "every test passed, yet the program failed\n" + tail(output))
 
 
 def count_preset(results):
@@ -107,9 +105,20 @@ def count_preset(results):
     except (OSError, ValueError, KeyError, ElementTree.ParseError) as error:
         count.fail("CTest", f"it left no usable result: {error}")
         return count
+    names = {test["name"] for test in tests}
+    programs = {}
     for test in tests:
-        ending = endings.get(test["name"], (False, "CTest did not run it"))
-        count_test(count, test, ending, results / "programs")
+        name = test["name"]
+        passed, output = endings.get(name, (False, "CTest did not run it"))
+        program = program_of(test, results.parent / "bin", names)
+        if program is not None:
+            programs.setdefault(program, []).append((name, passed, output))
+        elif passed:
+            count.passed += 1
+        else:
+            count.fail(name, tail(output))
+    for program, runs in programs.items():
+        count_program(count, program, runs, results / "programs")
     return count
 
 

@@ -11,4 +11,9 @@ if [ ! -d "$WINEPREFIX" ]; then
   echo "wine-run.sh: no Wine prefix at $WINEPREFIX: run scripts/setup.sh" >&2
   exit 1
 fi
+# The first program starts Wine's services, and these keep its output open: a test runner that waits for the end of the
+# output would hang. So a first program of ours starts them, with no output at all.
+if [ -e "$WINEPREFIX/system.reg" ] && ! /usr/lib/wine/wineserver64 -k0 2>/dev/null; then
+  /usr/lib/wine/wine64 cmd /c exit </dev/null >/dev/null 2>&1
+fi
 exec /usr/lib/wine/wine64 "$@"

@@ -1,6 +1,8 @@
 #include "tests/importer/test_support.h"
 #include "tools/ppdimport/ppd_reader.h"
+#include "tools/ppdimport/text.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,71 +19,44 @@ PpdModel ReadText(const std::string& text)
     return ReadPpd(folder.Write("small.ppd", text));
 }
 
-const PpdOption* Find(const PpdModel& model, const std::string& keyword)
+PpdOption Find(const PpdModel& model, const std::string& keyword)
 {
-    for (const PpdOption& option : model.options)
-    {
-        if (option.keyword == keyword)
-        {
-            return &option;
-        }
-    }
-    return nullptr;
+    const auto found = std::ranges::find(model.options, keyword, &PpdOption::keyword);
+    return found != model.options.end() ? *found : throw std::runtime_error("no option " + keyword);
 }
 
 TEST(ImporterReader, ReadsSmallFile)
 {
-    const PpdModel model = ReadText(SmallPpd("*OpenGroup: InstallableOptions/Fitted\n"
-                                             "*OpenUI *Tray2/Second tray: Boolean\n"
-                                             "*DefaultTray2: False\n"
-                                             "*Tray2 True/Yes: \"\"\n"
-                                             "*Tray2 False/No: \"\"\n"
-                                             "*CloseUI: *Tray2\n"
-                                             "*CloseGroup: InstallableOptions\n"
-                                             "*UIConstraints: *Tray2 False *PageSize Letter\n"));
-    EXPECT_EQ(model.fileName, "small.ppd");
-    EXPECT_EQ(model.manufacturer, "Maker");
-    EXPECT_EQ(model.modelName, "Model 1");
-    EXPECT_EQ(model.nickname, "Maker Model 1 PS");
-    EXPECT_TRUE(model.colorDevice);
-    EXPECT_EQ(model.throughput, 30);
+    const PpdModel model = ReadText(SmallPpd(R"(*OpenGroup: InstallableOptions/Fitted
+*OpenUI *Tray2/Second tray: Boolean
+*DefaultTray2: False
+*Tray2 True/Yes: ""
+*Tray2 False/No: ""
+*CloseUI: *Tray2
+*CloseGroup: InstallableOptions
+*UIConstraints: *Tray2 False *PageSize Letter
+)"));
+    EXPECT_TRUE(model.manufacturer == "Maker" && model.modelName == "Model 1" && model.nickname == "Maker Model 1 PS");
+    EXPECT_TRUE(model.colorDevice && model.throughput == 30 && !model.customSize.has_value());
     EXPECT_EQ(model.attributes.at("LandscapeOrientation"), "Minus90");
-    EXPECT_FALSE(model.customSize.has_value());
-    const PpdOption* sizes = Find(model, "PageSize");
-    ASSERT_NE(sizes, nullptr);
-    EXPECT_EQ(sizes->defaultChoice, "A4");
-    ASSERT_EQ(sizes->choices.size(), 2u);
-    EXPECT_EQ(sizes->choices[0].text, "US Letter");
+    const PpdOption sizes = Find(model, "PageSize");
+    EXPECT_TRUE(sizes.defaultChoice == "A4" && sizes.choices.at(0).text == "US Letter");
     EXPECT_DOUBLE_EQ(model.sizes.at("A4").length, 842);
-    const PpdOption* tray = Find(model, "Tray2");
-    ASSERT_NE(tray, nullptr);
-    EXPECT_TRUE(tray->installable);
-    ASSERT_EQ(model.constraints.size(), 1u);
-    EXPECT_EQ(model.constraints[0].secondOption, "PageSize");
+    EXPECT_TRUE(Find(model, "Tray2").installable);
+    EXPECT_EQ(model.constraints.at(0).secondOption, "PageSize");
 }
 
 TEST(ImporterReader, DecodesTexts)
 {
-    const char* option = "*OpenUI *MediaType/Sorte: PickOne\n"
-                         "*DefaultMediaType: A\n"
-                         "*MediaType A/Gr\xF6\xDF"
-                         "e: \"\"\n"
-                         "*MediaType B/Hex <E9>t<E9>: \"\"\n"
-                         "*CloseUI: *MediaType\n";
-    const PpdModel latin = ReadText(SmallPpd(option));
-    ASSERT_NE(Find(latin, "MediaType"), nullptr);
-    EXPECT_EQ(Find(latin, "MediaType")->choices.at(0).text,
-              "Gr\xC3\xB6\xC3\x9F"
-              "e");
-    EXPECT_EQ(Find(latin, "MediaType")->choices.at(1).text, "Hex \xC3\xA9t\xC3\xA9");
-
-    const PpdModel utf8 = ReadText(SmallPpd("*OpenUI *MediaType/M: PickOne\n"
-                                            "*DefaultMediaType: A\n"
-                                            "*MediaType A/\xE7\xB4\x99: \"\"\n"
-                                            "*CloseUI: *MediaType\n",
-                                            "UTF-8"));
-    ASSERT_NE(Find(utf8, "MediaType"), nullptr);
-    EXPECT_EQ(Find(utf8, "MediaType")->choices.at(0).text, "\xE7\xB4\x99");
+    const auto read = [](const std::string& text, const std::string& encoding)
+    {
+        const std::string option = "*OpenUI *MediaType/Sorte: PickOne\n*DefaultMediaType: A\n*MediaType A/" + text;
+        const PpdModel model = ReadText(SmallPpd(option + ": \"\"\n*CloseUI: *MediaType\n", encoding));
+        return Find(model, "MediaType").choices[0].text;
+    };
+    EXPECT_EQ(read("Papier gr\xF6", "ISOLatin1"), "Papier gr\xC3\xB6");
+    EXPECT_EQ(read("Hex <E9>t<E9>", "ISOLatin1"), "Hex \xC3\xA9t\xC3\xA9");
+    EXPECT_EQ(read("\xE7\xB4\x99", "UTF-8"), "\xE7\xB4\x99");
 }
 
 // The caller's language must not change a profile.
@@ -90,54 +65,67 @@ TEST(ImporterReader, TakesEnglishTexts)
     setenv("LANG", "de_DE.UTF-8", 1);
     setenv("LC_ALL", "de_DE.UTF-8", 1);
     const PpdModel model = ReadText(SmallPpd("*cupsLanguages: \"de\"\n*de.PageSize A4/A4 Papier: \"\"\n", "UTF-8"));
-    EXPECT_EQ(Find(model, "PageSize")->choices.at(1).text, "A4");
+    EXPECT_EQ(Find(model, "PageSize").choices.at(1).text, "A4");
 }
 
 TEST(ImporterReader, ReadsCustomSize)
 {
-    const PpdModel model = ReadText(SmallPpd("*HWMargins: 12 12 12 12\n"
-                                             "*MaxMediaWidth: \"908\"\n"
-                                             "*MaxMediaHeight: \"1701\"\n"
-                                             "*CustomPageSize True: \"pop\"\n"
-                                             "*ParamCustomPageSize Width: 1 points 255 908\n"
-                                             "*ParamCustomPageSize Height: 2 points 419 1701\n"
-                                             "*ParamCustomPageSize Orientation: 3 int 1 1\n"));
+    const PpdModel model = ReadText(SmallPpd(R"(*HWMargins: 12 12 12 12
+*MaxMediaWidth: "908"
+*MaxMediaHeight: "1701"
+*CustomPageSize True: "pop"
+*ParamCustomPageSize Width: 1 points 255 908
+*ParamCustomPageSize Height: 2 points 419 1701
+)"));
     ASSERT_TRUE(model.customSize.has_value());
     EXPECT_DOUBLE_EQ(model.customSize->minimum.width, 255);
     EXPECT_DOUBLE_EQ(model.customSize->maximum.length, 1701);
-    EXPECT_EQ(Find(model, "PageSize")->choices.size(), 2u); // no choice named Custom
-}
-
-std::string ErrorOf(const std::string& path)
-{
-    try
-    {
-        ReadPpd(path);
-    }
-    catch (const InputError& error)
-    {
-        return error.what();
-    }
-    return "";
+    EXPECT_EQ(Find(model, "PageSize").choices.size(), 2u); // no choice named Custom
 }
 
 TEST(ImporterReader, ErrorsNameFileAndLine)
 {
     const ScratchFolder folder;
-    const std::string missing = folder.Path("missing.ppd");
-    EXPECT_EQ(ErrorOf(missing).rfind(missing + ": ", 0), 0u);
-    EXPECT_NE(ErrorOf(missing).find("No such file"), std::string::npos);
-
-    const std::string empty = folder.Write("empty.ppd", "");
-    EXPECT_EQ(ErrorOf(empty).rfind(empty + ":", 0), 0u);
-
-    const std::string notPpd = folder.Write("not.ppd", "Dear printer,\nplease print.\n");
-    EXPECT_EQ(ErrorOf(notPpd).rfind(notPpd + ":", 0), 0u);
-
+    const auto expect = [](const std::string& path, const std::string& place)
+    {
+        const auto matcher = testing::AllOf(testing::StartsWith(path), testing::HasSubstr(place));
+        EXPECT_THAT([&] { ReadPpd(path); }, testing::ThrowsMessage<InputError>(matcher));
+    };
+    expect("missing.ppd", "(No such file");
+    expect(folder.Write("empty.ppd", ""), ".ppd:");
+    expect(folder.Write("letter.ppd", "Dear printer,\nplease print.\n"), ".ppd:1: ");
     const std::string text = SmallPpd();
-    const std::string broken = folder.Write("broken.ppd", text + "*OpenGroup: One\n*OpenGroup: Two\n");
-    const auto line = std::count(text.begin(), text.end(), '\n') + 2;
-    EXPECT_EQ(ErrorOf(broken).rfind(broken + ":" + std::to_string(line) + ": ", 0), 0u) << ErrorOf(broken);
+    const std::string place = ".ppd:" + std::to_string(std::ranges::count(text, '\n') + 2) + ": ";
+    expect(folder.Write("groups.ppd", text + "*OpenGroup: One\n*OpenGroup: Two\n"), place);
+}
+
+TEST(ImporterText, CleansAndDecodes)
+{
+    EXPECT_EQ(CleanText("  a \t\r\n b  \x01\x7F\xC2\x85"), "a b");
+    EXPECT_EQ(CleanText("Gr\xC3\xB6\xC3\x9F"), "Gr\xC3\xB6\xC3\x9F"); // UTF-8 stays
+    EXPECT_EQ(CleanText("Gr\xF6\xDF"), "Gr\xC3\xB6\xC3\x9F");         // Latin-1
+    EXPECT_EQ(CleanText("x\xC0\xAF"), "x\xC3\x80\xC2\xAF");           // overlong form is no UTF-8
+    EXPECT_EQ(CleanText("x\xED\xA0\x80"), "x\xC3\xAD\xC2\xA0");       // surrogate: Latin-1, ends in a control character
+    EXPECT_EQ(CleanText("cut \xE2\x82"), "cut \xC3\xA2");             // incomplete, likewise
+}
+
+TEST(ImporterText, CutsAtWholeCharacters)
+{
+    const std::string text = "ab\xE2\x82\xAC\xF0\x9F\x98\x80"; // the last character counts as two
+    EXPECT_EQ(TextLength(text), 5u);
+    EXPECT_EQ(CutText(text, 4), "ab\xE2\x82\xAC"); // half of the last would fit
+    EXPECT_EQ(CutText(text, 5), text);
+    EXPECT_EQ(CutText("ab cd", 3), "ab"); // no blank left at the end
+}
+
+TEST(ImporterText, ComparesSplitsAndMakesXmlNames)
+{
+    EXPECT_EQ(Normalise("Plain (60 - 81 g/m2)"), "plain");
+    EXPECT_TRUE(HasWord("none off", "off") && !HasWord("none off", "of") && !HasWord("none off", ""));
+    EXPECT_EQ(Words("UpperLeft2/2 at left"), (std::set<std::string>{"upper", "left", "2", "at"}));
+    EXPECT_EQ(VendorKeyword("Paper", "A4.FullBleed"), "ns0000:A4FullBleed");
+    EXPECT_EQ(VendorKeyword("Paper", "12x18"), "ns0000:Paper12x18");
+    EXPECT_EQ(VendorKeyword("Bin", "++"), "ns0000:Bin");
 }
 
 } // namespace

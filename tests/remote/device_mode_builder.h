@@ -40,10 +40,6 @@ public:
     {
         return Get();
     }
-    const DEVMODEW* operator->() const
-    {
-        return Get();
-    }
     PrivateDevMode& Private()
     {
         return *reinterpret_cast<PrivateDevMode*>(m_bytes.data() + DevModeTotalSize(Get()) - kPrivateDevModeSize);

@@ -14,7 +14,7 @@
 #include <mutex>
 #include <optional>
 #include <set>
-#include <string>
+#include <utility>
 #include <vector>
 
 namespace tsypr::test
@@ -32,12 +32,9 @@ struct CapabilityReply
 template <typename Entry>
 CapabilityReply ListReply(int32_t result, const std::vector<Entry>& entries)
 {
-    CapabilityReply reply;
-    reply.result = result;
     const auto* begin = reinterpret_cast<const BYTE*>(entries.data());
-    reply.data = Bytes(begin, begin + entries.size() * sizeof(Entry));
-    reply.size = static_cast<uint32_t>(reply.data->size());
-    return reply;
+    const size_t size = entries.size() * sizeof(Entry);
+    return {result, Bytes(begin, begin + size), static_cast<uint32_t>(size)};
 }
 
 struct CapabilityCall
@@ -66,37 +63,24 @@ public:
     bool notesCalls = true;
 
     // The calls since the last time: "open NAME", "close", "getDevMode", "freeDevMode", "caps INDEX", "freeCaps".
-    std::vector<std::string> TakeCalls();
+    Messages TakeCalls()
+    {
+        return std::exchange(m_calls, {});
+    }
     const CapabilityCall& LastCapabilityCall() const
     {
         return m_lastCapabilityCall;
     }
 
 private:
-    static DWORD WINAPI Open(const wchar_t* printerName, RemotePrinterHandle* handle);
-    static void WINAPI Close(RemotePrinterHandle handle);
-    static DWORD WINAPI GetDevMode(RemotePrinterHandle handle, DEVMODEW** result);
-    static void WINAPI FreeDevMode(void* data);
-    static DWORD WINAPI GetCapabilities(RemotePrinterHandle handle,
-                                        uint16_t capability,
-                                        uint32_t* dataSize,
-                                        void** data,
-                                        uint32_t devModeSize,
-                                        const DEVMODEW* devMode,
-                                        int32_t* queryResult);
-    static void WINAPI FreeCapabilities(void* data);
-
-    using Replies = std::map<void*, std::unique_ptr<GuardedMemory>>;
-    void Note(const std::string& call);
-    void CheckOpen(RemotePrinterHandle handle);
-    static void* HandOut(Replies& replies, const Bytes& bytes);
+    friend struct ServiceCalls;
 
     std::mutex m_lock;
-    std::vector<std::string> m_calls;
+    Messages m_calls;
     std::set<RemotePrinterHandle> m_open;
     uintptr_t m_nextHandle = 0x1000;
-    Replies m_devModes;
-    Replies m_lists;
+    std::map<void*, std::unique_ptr<GuardedMemory>> m_devModes;
+    std::map<void*, std::unique_ptr<GuardedMemory>> m_lists;
     CapabilityCall m_lastCapabilityCall = {};
 };
 

@@ -6,10 +6,11 @@
 
 namespace tsypr::test
 {
+
+SpoolerScript g_spooler;
+
 namespace
 {
-
-FakeSpooler* g_spooler = nullptr;
 
 BOOL Done(DWORD error)
 {
@@ -20,80 +21,52 @@ BOOL Done(DWORD error)
 // A record whose first member is the text, in the size that was asked for.
 BOOL Answer(BYTE* buffer, DWORD capacity, DWORD* needed)
 {
-    *needed = g_spooler->infoSize;
-    if (buffer == nullptr || capacity < g_spooler->infoSize)
+    *needed = g_spooler.infoSize;
+    if (buffer == nullptr || capacity < g_spooler.infoSize)
     {
-        return Done(g_spooler->sizeError);
+        return Done(g_spooler.sizeError);
     }
-    if (g_spooler->dataError == 0)
+    if (g_spooler.dataError == 0)
     {
         wchar_t* place = reinterpret_cast<wchar_t*>(buffer + sizeof(PRINTER_INFO_4W));
         std::memcpy(buffer, &place, sizeof(place));
-        wcscpy(place, g_spooler->text);
+        wcscpy(place, g_spooler.text);
     }
-    return Done(g_spooler->dataError);
+    return Done(g_spooler.dataError);
 }
 
 } // namespace
-
-FakeSpooler::FakeSpooler()
-{
-    g_spooler = this;
-}
-
-FakeSpooler::~FakeSpooler()
-{
-    g_spooler = nullptr;
-}
-
 } // namespace tsypr::test
 
-using tsypr::test::g_spooler;
+using namespace tsypr::test;
 
 extern "C"
 {
-    decltype(OpenPrinterW) __real_OpenPrinterW, __wrap_OpenPrinterW;
-    decltype(ClosePrinter) __real_ClosePrinter, __wrap_ClosePrinter;
-    decltype(GetPrinterW) __real_GetPrinterW, __wrap_GetPrinterW;
-    decltype(GetPrinterDriverW) __real_GetPrinterDriverW, __wrap_GetPrinterDriverW;
+    decltype(OpenPrinterW) __wrap_OpenPrinterW;
+    decltype(ClosePrinter) __wrap_ClosePrinter;
+    decltype(GetPrinterW) __wrap_GetPrinterW;
+    decltype(GetPrinterDriverW) __wrap_GetPrinterDriverW;
 
-    BOOL WINAPI __wrap_OpenPrinterW(LPWSTR name, LPHANDLE printer, LPPRINTER_DEFAULTSW defaults)
+    BOOL WINAPI __wrap_OpenPrinterW(LPWSTR, LPHANDLE printer, LPPRINTER_DEFAULTSW)
     {
-        if (g_spooler == nullptr)
-        {
-            return __real_OpenPrinterW(name, printer, defaults);
-        }
-        g_spooler->opened += g_spooler->openError == 0 ? 1 : 0;
+        g_spooler.stillOpen += g_spooler.openError == 0 ? 1 : 0;
         *printer = reinterpret_cast<HANDLE>(0x77);
-        return tsypr::test::Done(g_spooler->openError);
+        return Done(g_spooler.openError);
     }
 
-    BOOL WINAPI __wrap_ClosePrinter(HANDLE printer)
+    BOOL WINAPI __wrap_ClosePrinter(HANDLE)
     {
-        if (g_spooler == nullptr)
-        {
-            return __real_ClosePrinter(printer);
-        }
-        ++g_spooler->closed;
+        --g_spooler.stillOpen;
         return TRUE;
     }
 
-    BOOL WINAPI __wrap_GetPrinterW(HANDLE printer, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed)
+    BOOL WINAPI __wrap_GetPrinterW(HANDLE, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed)
     {
-        if (g_spooler == nullptr || level != 4)
-        {
-            return __real_GetPrinterW(printer, level, buffer, size, needed);
-        }
-        return tsypr::test::Answer(buffer, size, needed);
+        return level == 4 ? Answer(buffer, size, needed) : Done(ERROR_INVALID_LEVEL);
     }
 
-    BOOL WINAPI
-    __wrap_GetPrinterDriverW(HANDLE printer, LPWSTR name, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed)
+    BOOL WINAPI __wrap_GetPrinterDriverW(HANDLE, LPWSTR, DWORD level, LPBYTE buffer, DWORD size, LPDWORD needed)
     {
-        if (g_spooler == nullptr || level != 1)
-        {
-            return __real_GetPrinterDriverW(printer, name, level, buffer, size, needed);
-        }
-        return tsypr::test::Answer(buffer, size, needed);
+        return level == 1 ? Answer(buffer, size, needed) : Done(ERROR_INVALID_LEVEL);
     }
 }

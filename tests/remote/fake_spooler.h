@@ -7,25 +7,19 @@
 namespace tsypr::test
 {
 
-// Answers instead of the system while it lives; without one the system's own functions are called.
-class FakeSpooler
+// The last error of each failing step, 0 for success.
+struct SpoolerScript
 {
-public:
-    FakeSpooler();
-    FakeSpooler(const FakeSpooler&) = delete;
-    FakeSpooler& operator=(const FakeSpooler&) = delete;
-    ~FakeSpooler();
-
-    // The script: the last error of each failing step, 0 for success.
     DWORD openError = 0;
     DWORD sizeError = ERROR_INSUFFICIENT_BUFFER; // asking for the size
     DWORD dataError = 0;                         // asking for the record
     const wchar_t* text = L"";                   // the driver or printer name in the record
     DWORD infoSize = 512;
-
-    int opened = 0;
-    int closed = 0;
+    int stillOpen = 0;
 };
+
+// Set anew by each test that needs it.
+extern SpoolerScript g_spooler;
 
 } // namespace tsypr::test
 

@@ -65,43 +65,33 @@ protected:
 TEST_F(GuardPages, MergeAsInput)
 {
     const DeviceMode current = ClientDeviceMode();
-    ForEachDeviceMode(1,
-                      [&](DEVMODEW* dm)
-                      {
-                          DeviceMode out;
-                          ASSERT_TRUE(MergeAndCopyDM(out.Get(), dm, current.Get(), kBoth));
-                          const bool hasCopies = dm->dmSize >= offsetof(DEVMODEW, dmCopies) + sizeof(short);
-                          ASSERT_EQ(hasCopies ? 0x7777 : 0, out->dmCopies) << dm->dmSize;
-                          const bool hasMediaType = dm->dmSize >= offsetof(DEVMODEW, dmMediaType) + sizeof(DWORD);
-                          ASSERT_EQ(hasMediaType ? 0x77777777U : 0U, out->dmMediaType) << dm->dmSize;
-                          const bool hasBlock = DevModeTotalSize(dm) > kPrivateDevModeSize;
-                          ASSERT_EQ(hasBlock ? 0x77777777U : 1U, out.Private().compression)
-                              << dm->dmSize << " " << dm->dmDriverExtra;
-                      });
+    const auto use = [&](DEVMODEW* dm)
+    {
+        DeviceMode out;
+        ASSERT_TRUE(MergeAndCopyDM(out.Get(), dm, current.Get(), kBoth));
+        ASSERT_EQ(dm->dmSize >= offsetof(DEVMODEW, dmCopies) + sizeof(short) ? 0x7777 : 0, out->dmCopies) << dm->dmSize;
+        const bool hasMediaType = dm->dmSize >= offsetof(DEVMODEW, dmMediaType) + sizeof(DWORD);
+        ASSERT_EQ(hasMediaType ? 0x77777777U : 0U, out->dmMediaType) << dm->dmSize;
+        const bool hasBlock = DevModeTotalSize(dm) > kPrivateDevModeSize;
+        ASSERT_EQ(hasBlock ? 0x77777777U : 1U, out.Private().compression) << dm->dmSize << " " << dm->dmDriverExtra;
+    };
+    ForEachDeviceMode(1, use);
 }
 
-TEST_F(GuardPages, MergeAsOutputAndCurrent)
-{
-    const DeviceMode in = FullDeviceMode(220, 1112);
-    ForEachDeviceMode(1,
-                      [&](DEVMODEW* dm)
-                      {
-                          ASSERT_TRUE(MergeAndCopyDM(dm, in.Get(), dm, kBoth));
-                          ASSERT_TRUE(MergeAndCopyDM(dm, dm, dm, DM_IN_BUFFER));
-                      });
-}
-
-TEST_F(GuardPages, Convert)
+TEST_F(GuardPages, MergeAsOutputAndCurrentAndConvert)
 {
     DeviceMode other = FullDeviceMode(220, 1112);
-    ForEachDeviceMode(1,
-                      [&](DEVMODEW* dm)
-                      {
-                          LONG needed = 1332;
-                          ASSERT_TRUE(DrvConvertDevMode(nullptr, dm, other.Get(), &needed, 1));
-                          needed = static_cast<LONG>(DevModeTotalSize(dm));
-                          ASSERT_TRUE(DrvConvertDevMode(nullptr, other.Get(), dm, &needed, 1));
-                      });
+    const auto use = [&](DEVMODEW* dm)
+    {
+        ASSERT_TRUE(MergeAndCopyDM(dm, other.Get(), dm, kBoth));
+        ASSERT_TRUE(MergeAndCopyDM(dm, dm, dm, DM_IN_BUFFER));
+        LONG needed = static_cast<LONG>(DevModeTotalSize(dm));
+        ASSERT_TRUE(DrvConvertDevMode(nullptr, other.Get(), dm, &needed, 1));
+        needed = 1332;
+        DeviceMode out;
+        ASSERT_TRUE(DrvConvertDevMode(nullptr, dm, out.Get(), &needed, 1));
+    };
+    ForEachDeviceMode(1, use);
 }
 
 TEST_F(GuardPages, DumpCapabilitiesAndPropertySheets)

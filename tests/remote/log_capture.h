@@ -16,6 +16,8 @@
 namespace tsypr::test
 {
 
+using Messages = std::vector<std::string>;
+
 // Runs the log into a file of its own for as long as it lives.
 class LogCapture
 {
@@ -41,13 +43,13 @@ public:
     }
 
     // The messages written since the last call, each as "level message". A line that is not whole is a test failure.
-    std::vector<std::string> Take()
+    Messages Take()
     {
         std::stringstream content;
         content << std::ifstream(m_path, std::ios::binary).rdbuf();
         const std::string text = content.str().substr(m_read);
         m_read += text.size();
-        std::vector<std::string> messages;
+        Messages messages;
         size_t begin = 0;
         for (size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', begin))
         {
@@ -59,16 +61,10 @@ public:
     }
 
     // The error messages written since the last call.
-    std::vector<std::string> TakeErrors()
+    Messages TakeErrors()
     {
-        std::vector<std::string> errors;
-        for (const std::string& message : Take())
-        {
-            if (message.starts_with("error "))
-            {
-                errors.push_back(message);
-            }
-        }
+        Messages errors = Take();
+        std::erase_if(errors, [](const std::string& message) { return !message.starts_with("error "); });
         return errors;
     }
 

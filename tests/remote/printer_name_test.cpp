@@ -7,96 +7,55 @@ namespace tsypr::test
 namespace
 {
 
-using Messages = std::vector<std::string>;
-
-TEST(PrinterName, IsNormalised)
+TEST_F(RemoteTest, PrinterNameIsNormalised)
 {
     const std::wstring longName(300, L'x');
     const std::wstring cutName(255, L'x');
-    const struct
+    const std::pair<std::wstring, std::wstring> cases[] = {{L"srv\\Office Laser,Session 4", L"Office Laser"},
+                                                           {L"Office Laser,Session 4", L"Office Laser"},
+                                                           {L"srv\\Office Laser", L"srv\\Office Laser"},
+                                                           {L"a\\b\\Laser,c\\d,e", L"Laser"},
+                                                           {L"Laser,a\\b", L"Laser"},
+                                                           {L"srv\\,Session", L""},
+                                                           {L",srv\\Laser", L""},
+                                                           {L"", L""},
+                                                           {longName, cutName},
+                                                           {L"srv\\" + longName + L",4", cutName},
+                                                           {L"srv\\" + cutName + L",4", cutName}};
+    for (const auto& [in, expected] : cases)
     {
-        std::wstring in;
-        std::wstring out;
-    } cases[] = {{L"srv\\Office Laser,Session 4", L"Office Laser"},
-                 {L"Office Laser,Session 4", L"Office Laser"},
-                 {L"Office Laser", L"Office Laser"},
-                 {L"srv\\Office Laser", L"srv\\Office Laser"},
-                 {L"a\\b\\Laser,c\\d,e", L"Laser"},
-                 {L"Laser,a\\b", L"Laser"},
-                 {L"srv\\,Session", L""},
-                 {L",srv\\Laser", L""},
-                 {L",", L""},
-                 {L"", L""},
-                 {longName, cutName},
-                 {L"srv\\" + longName + L",4", cutName},
-                 {L"srv\\" + cutName + L",4", cutName}};
-    for (const auto& one : cases)
-    {
-        LogCapture log;
         wchar_t out[kPrinterNameChars] = {};
-        NormalizePrinterName(out, one.in.c_str());
-        EXPECT_EQ(one.out, out);
-        const std::string in(one.in.begin(), one.in.end());
-        const std::string expected(one.out.begin(), one.out.end());
-        EXPECT_EQ(
-            Messages{
-                one.in.find(L',') == std::wstring::npos
-                    ? "verbose NormalizePrinterName, copy the original [" + in + "] as the normalized printer name."
-                    : "verbose NormalizePrinterName, normalize printer name from [" + in + "] to [" + expected + "]."},
-            log.Take());
+        NormalizePrinterName(out, in.c_str());
+        EXPECT_EQ(expected, out);
+        const std::string from = "[" + std::string(in.begin(), in.end()) + "]";
+        const std::string to = "[" + std::string(expected.begin(), expected.end()) + "]";
+        const std::string message = in.find(L',') == std::wstring::npos
+                                        ? "copy the original " + from + " as the normalized printer name."
+                                        : "normalize printer name from " + from + " to " + to + ".";
+        EXPECT_EQ(Messages{"verbose NormalizePrinterName, " + message}, log.Take());
     }
     wchar_t out[kPrinterNameChars] = {};
     NormalizePrinterName(out, nullptr);
     EXPECT_STREQ(L"", out);
 }
 
-TEST_F(RemoteTest, OpeningNormalisesTheNameAndLogsNoError)
+TEST_F(RemoteTest, EveryStepToTheDriverNameClosesThePrinterAndReportsItsFailure)
 {
-    const RemotePrinterHandle handle = OpenRemotePrinterByName(L"srv\\Office Laser,4");
-    ASSERT_NE(nullptr, handle);
-    RemoteService.VpCloseRemotePrinter(handle);
-    service.opens = false;
-    EXPECT_EQ(nullptr, OpenRemotePrinterByName(L"Other"));
-    EXPECT_EQ((Messages{"open Office Laser", "close", "open Other"}), service.TakeCalls());
-    EXPECT_EQ(Messages{}, log.TakeErrors());
-}
-
-TEST(DriverName, OfAPrinterThatDoesNotExistIsEmpty)
-{
-    LogCapture log;
-    EXPECT_EQ(L"", PrintUtils::GetDriverName(L"No Such Printer"));
-    EXPECT_EQ(Messages{"error PrintUtils::GetDriverName, OpenPrinter failed with error=" +
-                       std::to_string(ERROR_INVALID_PRINTER_NAME)},
-              log.Take());
-}
-
-TEST(DriverName, EveryStepClosesThePrinterAndReportsItsFailure)
-{
-    const struct
+    const std::string lead = "error PrintUtils::GetDriverName";
+    const std::string sizeFailed = lead + "(): GetPrinterDriver() failed to return size (err=";
+    const std::pair<SpoolerScript, Messages> cases[] = {
+        {{}, {}},
+        {{.openError = 5}, {lead + ", OpenPrinter failed with error=5"}},
+        {{.sizeError = 5}, {sizeFailed + "5)"}},
+        {{.sizeError = 0}, {sizeFailed + "0)"}},
+        {{.dataError = 6}, {lead + "(): GetPrinterDriver(\"Laser\") failed (err=6)"}}};
+    for (const auto& [script, errors] : cases)
     {
-        DWORD openError;
-        DWORD sizeError;
-        DWORD dataError;
-        std::wstring name;
-        Messages errors;
-    } cases[] = {
-        {0, 122, 0, L"Tessary Universal EMF Driver", {}},
-        {5, 122, 0, L"", {"error PrintUtils::GetDriverName, OpenPrinter failed with error=5"}},
-        {0, 5, 0, L"", {"error PrintUtils::GetDriverName(): GetPrinterDriver() failed to return size (err=5)"}},
-        {0, 0, 0, L"", {"error PrintUtils::GetDriverName(): GetPrinterDriver() failed to return size (err=0)"}},
-        {0, 122, 6, L"", {"error PrintUtils::GetDriverName(): GetPrinterDriver(\"Laser\") failed (err=6)"}}};
-    for (const auto& one : cases)
-    {
-        LogCapture log;
-        FakeSpooler spooler;
-        spooler.openError = one.openError;
-        spooler.sizeError = one.sizeError;
-        spooler.dataError = one.dataError;
-        spooler.text = L"Tessary Universal EMF Driver";
-        EXPECT_EQ(one.name, PrintUtils::GetDriverName(L"Laser"));
-        EXPECT_EQ(one.openError == 0 ? 1 : 0, spooler.opened);
-        EXPECT_EQ(spooler.opened, spooler.closed);
-        EXPECT_EQ(one.errors, log.Take());
+        g_spooler = script;
+        g_spooler.text = L"Tessary Universal EMF Driver";
+        EXPECT_EQ(errors.empty() ? g_spooler.text : L"", PrintUtils::GetDriverName(L"Laser"));
+        EXPECT_EQ(0, g_spooler.stillOpen);
+        EXPECT_EQ(errors, log.Take());
     }
 }
 

@@ -10,8 +10,6 @@ namespace tsypr::test
 namespace
 {
 
-using Messages = std::vector<std::string>;
-
 class PropertiesWithoutUI : public RemoteTest
 {
 protected:
@@ -27,12 +25,6 @@ protected:
     LONG Call()
     {
         return DrvDocumentPropertySheets(nullptr, reinterpret_cast<LPARAM>(&header));
-    }
-
-    bool Logged(const std::string& wanted)
-    {
-        const Messages messages = log.Take();
-        return std::find(messages.begin(), messages.end(), wanted) != messages.end();
     }
 
     wchar_t sessionName[300] = L"srv\\Other Laser,4";
@@ -52,7 +44,8 @@ TEST_F(PropertiesWithoutUI, GiveTheSize)
         EXPECT_EQ(1332, Call());
         EXPECT_EQ(1332U, header.cbOut);
         EXPECT_EQ((Messages{"open Other Laser", "getDevMode", "close", "freeDevMode"}), service.TakeCalls());
-        EXPECT_TRUE(Logged("verbose DrvDocumentPropertySheets, prop hdr's printer name is srv\\Other Laser,4."));
+        EXPECT_EQ("verbose DrvDocumentPropertySheets, prop hdr's printer name is srv\\Other Laser,4.",
+                  log.Take().front());
     }
     EXPECT_EQ(before, out.Whole());
 }
@@ -85,17 +78,9 @@ TEST_F(PropertiesWithoutUI, MergeIntoTheOutputUnderTheSessionPrintersName)
     service.devMode = client.Whole();
     EXPECT_EQ(1, Call());
     EXPECT_EQ(client.Whole(), out.Whole());
-}
-
-// The client may state an extra area so small that the block reaches into the public part.
-TEST_F(PropertiesWithoutUI, KeepTheSizesWhenTheBlockLiesOverThem)
-{
-    client = DeviceMode(220, 893);
+    client = DeviceMode(220, 893); // an extra area so small that the block lies over the sizes, which stay
     service.devMode = client.Whole();
     std::fill_n(sessionName, 290, L'\x1'); // these bytes would make sizes of 256
-    DeviceMode out(220, 1112);
-    header.pdmOut = out.Get();
-    header.fMode = DM_OUT_BUFFER;
     EXPECT_EQ(1, Call());
     EXPECT_EQ(220, out->dmSize);
     EXPECT_EQ(893, out->dmDriverExtra);
@@ -108,19 +93,19 @@ TEST_F(PropertiesWithoutUI, FailuresGiveZeroAndLeaveTheOutput)
     const Bytes before = out.Whole();
     header.pdmOut = out.Get();
     header.fMode = DM_OUT_BUFFER;
-    sessionName[0] = L'\0';
-    EXPECT_EQ(0, Call());
-    EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer name."}, log.Take());
-    header.pszPrinterName = nullptr;
-    EXPECT_EQ(0, Call());
-    EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer name."}, log.Take());
+    wchar_t empty[] = L"";
+    for (wchar_t* name : {empty, static_cast<wchar_t*>(nullptr)})
+    {
+        header.pszPrinterName = name;
+        EXPECT_EQ(0, Call());
+        EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer name."}, log.Take());
+    }
     EXPECT_EQ(Messages{}, service.TakeCalls());
     header.pszPrinterName = sessionName;
-    wcscpy(sessionName, L"Laser,4");
     service.devMode.reset();
     EXPECT_EQ(0, Call());
     EXPECT_EQ((Messages{"error GetDevModeByVPrinterName, failed to call VpGetDevMode.",
-                        "error DrvDocumentPropertySheets, failed to retrieve devmode for printer Laser"}),
+                        "error DrvDocumentPropertySheets, failed to retrieve devmode for printer Other Laser"}),
               log.TakeErrors());
     EXPECT_EQ(0, DrvDocumentPropertySheets(nullptr, 0));
     EXPECT_EQ(99U, header.cbOut);
@@ -129,21 +114,17 @@ TEST_F(PropertiesWithoutUI, FailuresGiveZeroAndLeaveTheOutput)
 
 TEST_F(PropertiesWithoutUI, TakeThePrintersNameFromItsHandle)
 {
-    header.hPrinter = nullptr; // as the system sees it: no printer
-    EXPECT_EQ(0, Call());
-    EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer info size from handle 0x0."},
-              log.Take());
-    FakeSpooler spooler;
-    spooler.text = L"srv\\Office Laser,5";
+    g_spooler = {};
+    g_spooler.text = L"srv\\Office Laser,5";
     header.hPrinter = reinterpret_cast<HANDLE>(0xAB12);
     EXPECT_EQ(1332, Call());
     EXPECT_EQ("open Office Laser", service.TakeCalls().front());
     EXPECT_EQ("verbose DrvDocumentPropertySheets, obtained printer name srv\\Office Laser,5 from handle 0xab12.",
               log.Take().front());
-    spooler.dataError = ERROR_INVALID_HANDLE;
+    g_spooler.dataError = ERROR_INVALID_HANDLE;
     EXPECT_EQ(0, Call());
     EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer name from handle 0xab12."}, log.Take());
-    spooler.infoSize = 0;
+    g_spooler.infoSize = 0;
     EXPECT_EQ(0, Call());
     EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to get printer info size from handle 0xab12."},
               log.Take());

@@ -1,10 +1,8 @@
 #include "service/device_mode.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,93 +14,52 @@ namespace tsypr::service::test
 namespace
 {
 
-// A device mode taken apart: the public part, the bytes between, and the private block at the very end.
+// A device mode, with its public part and the private block at its very end taken out.
 struct Parts
 {
+    std::vector<std::byte> bytes;
     DEVMODEW mode{};
-    std::vector<std::byte> leading;
     PrivateBlock block{};
 
-    explicit Parts(const std::vector<std::byte>& bytes)
+    explicit Parts(std::vector<std::byte> whole) : bytes(std::move(whole))
     {
         std::memcpy(&mode, bytes.data(), sizeof(mode));
         EXPECT_EQ(bytes.size(), std::size_t{mode.dmSize} + mode.dmDriverExtra);
         std::memcpy(&block, bytes.data() + bytes.size() - sizeof(block), sizeof(block));
-        leading.assign(bytes.begin() + sizeof(mode), bytes.end() - sizeof(block));
     }
 
     std::vector<std::byte> Join() const
     {
-        std::vector<std::byte> bytes(sizeof(mode));
-        std::memcpy(bytes.data(), &mode, sizeof(mode));
-        bytes.insert(bytes.end(), leading.begin(), leading.end());
-        const auto* tail = reinterpret_cast<const std::byte*>(&block);
-        bytes.insert(bytes.end(), tail, tail + sizeof(block));
-        return bytes;
+        std::vector<std::byte> whole = bytes;
+        std::memcpy(whole.data(), &mode, sizeof(mode));
+        std::memcpy(whole.data() + whole.size() - sizeof(block), &block, sizeof(block));
+        return whole;
     }
 };
 
-constexpr DWORD kSampleFields = DM_ORIENTATION | DM_PAPERSIZE | DM_SCALE | DM_COPIES | DM_DEFAULTSOURCE |
-                                DM_PRINTQUALITY | DM_COLOR | DM_DUPLEX | DM_YRESOLUTION | DM_COLLATE | DM_FORMNAME |
-                                DM_MEDIATYPE;
-
-TEST(BuildDevMode, HoldsTheProfilesPublicDefaults)
+TEST(BuildDevMode, HoldsTheProfilesDefaults)
 {
     const Parts parts(BuildDevMode(Parse(SampleProfile())));
     const DEVMODEW& mode = parts.mode;
     EXPECT_STREQ(mode.dmDeviceName, L"Sample");
-    EXPECT_EQ(mode.dmSize, 220);
     EXPECT_EQ(mode.dmDriverExtra, 10 + 1112);
     EXPECT_EQ(mode.dmFields, kSampleFields);
-    EXPECT_EQ(mode.dmOrientation, DMORIENT_LANDSCAPE);
-    EXPECT_EQ(mode.dmPaperSize, 9);
-    EXPECT_EQ(mode.dmPaperLength, 0);
-    EXPECT_EQ(mode.dmDefaultSource, 15);
-    EXPECT_EQ(mode.dmMediaType, 2u);
-    EXPECT_EQ(mode.dmCopies, 3);
-    EXPECT_EQ(mode.dmCollate, DMCOLLATE_FALSE);
-    EXPECT_EQ(mode.dmColor, DMCOLOR_MONOCHROME);
-    EXPECT_EQ(mode.dmDuplex, DMDUP_HORIZONTAL);
-    EXPECT_EQ(mode.dmPrintQuality, 1200);
-    EXPECT_EQ(mode.dmYResolution, 600);
-    EXPECT_EQ(mode.dmScale, 90);
+    EXPECT_TRUE(mode.dmOrientation == DMORIENT_LANDSCAPE && mode.dmPaperSize == 9 && mode.dmPaperLength == 0);
+    EXPECT_TRUE(mode.dmDefaultSource == 15 && mode.dmMediaType == 2 && mode.dmScale == 90 && mode.dmCopies == 3);
+    EXPECT_TRUE(mode.dmColor == DMCOLOR_MONOCHROME && mode.dmDuplex == DMDUP_HORIZONTAL && mode.dmCollate == 0);
+    EXPECT_TRUE(mode.dmPrintQuality == 1200 && mode.dmYResolution == 600);
     EXPECT_STREQ(mode.dmFormName, L"Office A4");
-    EXPECT_EQ(parts.leading, std::vector<std::byte>(10));
-}
+    EXPECT_EQ(std::count(parts.bytes.begin() + 220, parts.bytes.begin() + 230, std::byte{0}), 10);
 
-TEST(BuildDevMode, EndsWithThePrivateBlockAtItsFixedOffsets)
-{
-    const std::vector<std::byte> bytes = BuildDevMode(Parse(SampleProfile()));
-    const std::byte* block = bytes.data() + bytes.size() - 1112;
-    const auto number = [&](std::size_t offset)
-    {
-        DWORD value = 0;
-        std::memcpy(&value, block + offset, sizeof(value));
-        return value;
-    };
-    const auto text = [&](std::size_t offset)
-    {
-        std::wstring value(30, L'\0');
-        std::memcpy(value.data(), block + offset, 60);
-        return value.substr(0, value.find(L'\0'));
-    };
-    EXPECT_EQ(std::memcmp(block, "dmex", 4), 0);
-    EXPECT_EQ(number(4), 2u);
-    EXPECT_EQ(text(8), L"Sample");
-    EXPECT_EQ(number(520), 1u);
-    EXPECT_EQ(number(524), 0x0101u);
-    EXPECT_EQ(number(528), 0x17u);
-    EXPECT_EQ(number(536), 4u);
-    EXPECT_EQ(text(540), L"psk:LeftTop");
-    EXPECT_EQ(text(600), L"psk:StapleTopLeft");
-    EXPECT_EQ(text(660), L"psk:LeftEdge");
-    EXPECT_EQ(number(720), 0x6u);
-    EXPECT_EQ(number(728), 96u);
-    EXPECT_EQ(number(728 + 16), 700u);
-    EXPECT_EQ(text(728 + 28), L"Times New Roman");
-    EXPECT_EQ(number(728 + 96), 255u);
-    EXPECT_EQ(text(728 + 100), L"No Watermark");
-    EXPECT_EQ(number(728 + 376), 0u);
+    const PrivateBlock& block = parts.block;
+    EXPECT_EQ(std::memcmp(&block, "dmex\2\0\0\0S", 9), 0);
+    EXPECT_TRUE(block.printTargetChoice == 1 && block.isPrintAsImage == 1 && block.isShowPreDlg == 1);
+    EXPECT_TRUE(block.featureBitmap == 0x17 && block.lockedSettings == 0x6 && block.pagesPerSheet == 4);
+    EXPECT_STREQ(block.nupLayout, L"psk:LeftTop");
+    EXPECT_STREQ(block.staple, L"psk:StapleTopLeft");
+    EXPECT_STREQ(block.punch, L"psk:LeftEdge");
+    EXPECT_TRUE(block.watermark.font.lfHeight == 96 && block.watermark.color == RGB(255, 0, 0));
+    EXPECT_STREQ(block.watermark.text, L"No Watermark");
 }
 
 TEST(BuildDevMode, LeavesOutWhatThePrinterLacksAndCutsNames)
@@ -110,9 +67,8 @@ TEST(BuildDevMode, LeavesOutWhatThePrinterLacksAndCutsNames)
     nlohmann::json document = SparseProfile();
     document["name"] = std::string(30, 'n') + "\xF0\x9F\x96\xA8" + std::string(200, 'n');
     const Parts sparse(BuildDevMode(Parse(document)));
-    EXPECT_EQ(sparse.mode.dmFields, DWORD{DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_PRINTQUALITY | DM_FORMNAME});
+    EXPECT_EQ(sparse.mode.dmFields, kSparseFields);
     EXPECT_EQ(sparse.mode.dmPrintQuality, DMRES_MEDIUM);
-    EXPECT_STREQ(sparse.mode.dmFormName, L"Letter");
     EXPECT_EQ(std::wstring(sparse.mode.dmDeviceName), std::wstring(30, L'n'));
     EXPECT_EQ(std::wstring(sparse.block.printerName).size(), 232u);
 
@@ -120,234 +76,126 @@ TEST(BuildDevMode, LeavesOutWhatThePrinterLacksAndCutsNames)
     document["deviceMode"]["paper"] = 256;
     const Parts custom(BuildDevMode(Parse(document)));
     EXPECT_EQ(custom.mode.dmFields, kSampleFields | DM_PAPERLENGTH | DM_PAPERWIDTH);
-    EXPECT_EQ(custom.mode.dmPaperWidth, 1000);
-    EXPECT_EQ(custom.mode.dmPaperLength, 2000);
+    EXPECT_TRUE(custom.mode.dmPaperWidth == 1000 && custom.mode.dmPaperLength == 2000);
 }
 
-// A change to a default device mode, and what validation must make of it.
-struct Change
+const Profile& Sample()
 {
-    const char* name;
-    std::function<void(Parts&)> apply;
-    std::function<void(Parts&)> expect; // applied to the default gives the expected result
-};
-
-void UsePaper(Parts& parts, short paper, short width, short length)
-{
-    parts.mode.dmFields |= DM_PAPERSIZE | DM_PAPERWIDTH | DM_PAPERLENGTH;
-    parts.mode.dmPaperSize = paper;
-    parts.mode.dmPaperWidth = width;
-    parts.mode.dmPaperLength = length;
+    static const Profile profile = Parse(SampleProfile());
+    return profile;
 }
 
-void UseForm(Parts& parts, const wchar_t* name)
+// Validates a printer's default device mode after `apply`; `expect`, applied to the defaults, gives the
+// expected result.
+template <class Apply, class Expect>
+void Check(const char* name, Apply&& apply, Expect&& expect, const Profile& profile = Sample())
 {
-    std::ranges::fill(parts.mode.dmFormName, L'\0');
-    wcscpy(parts.mode.dmFormName, name);
+    Parts input(BuildDevMode(profile));
+    Parts expected = input;
+    apply(input);
+    expect(expected);
+    const std::vector<std::byte> repaired = ValidateDevMode(profile, input.Join());
+    EXPECT_TRUE(repaired == expected.Join()) << name;
+    EXPECT_TRUE(ValidateDevMode(profile, repaired) == repaired) << name << ": validating twice changes something";
 }
 
-const auto kNothing = [](Parts&) {};
-
-const std::vector<Change>& PublicChanges()
+// The same for one number of one part.
+template <class Part, class Field>
+void Check(
+    const char* name, Part Parts::*part, Field Part::*field, int value, int expected, const Profile& profile = Sample())
 {
-    static const std::vector<Change> changes = {
-        {"orientation", [](Parts& p) { p.mode.dmOrientation = 1; }, [](Parts& p) { p.mode.dmOrientation = 1; }},
-        {"no such orientation", [](Parts& p) { p.mode.dmOrientation = 3; }, kNothing},
-        {"bit not set",
-         [](Parts& p)
-         {
-             p.mode.dmFields = 0;
-             p.mode.dmOrientation = 1;
-             p.mode.dmCopies = 7;
-         },
-         kNothing},
-        {"source", [](Parts& p) { p.mode.dmDefaultSource = 7; }, [](Parts& p) { p.mode.dmDefaultSource = 7; }},
-        {"no such source", [](Parts& p) { p.mode.dmDefaultSource = 8; }, kNothing},
-        {"no such media type", [](Parts& p) { p.mode.dmMediaType = 3; }, kNothing},
-        {"too many copies", [](Parts& p) { p.mode.dmCopies = 51; }, [](Parts& p) { p.mode.dmCopies = 50; }},
-        {"too few copies", [](Parts& p) { p.mode.dmCopies = -1; }, [](Parts& p) { p.mode.dmCopies = 1; }},
-        {"locked colour", [](Parts& p) { p.mode.dmColor = DMCOLOR_COLOR; }, kNothing},
-        {"duplex", [](Parts& p) { p.mode.dmDuplex = 1; }, [](Parts& p) { p.mode.dmDuplex = 1; }},
-        {"no such duplex", [](Parts& p) { p.mode.dmDuplex = 4; }, kNothing},
-        {"scale 0", [](Parts& p) { p.mode.dmScale = 0; }, kNothing},
-        {"unknown bits and fields",
-         [](Parts& p)
-         {
-             p.mode.dmFields |= DM_NUP | DM_ICMMETHOD | 0x80000000u;
-             p.mode.dmICMMethod = 2;
-             UseForm(p, L"Elsewhere");
-         },
-         kNothing},
-        {"sizes and versions",
-         [](Parts& p)
-         {
-             p.mode.dmSpecVersion = 1;
-             p.mode.dmDriverVersion = 9;
-         },
-         kNothing},
-    };
-    return changes;
+    const auto set = [=](int number) { return [=](Parts& p) { p.*part.*field = static_cast<Field>(number); }; };
+    Check(name, set(value), set(expected), profile);
 }
 
-const std::vector<Change>& PaperAndQualityChanges()
+constexpr auto kDefaults = [](Parts&) {};
+
+template <std::size_t kLength>
+void SetText(WCHAR (&field)[kLength], const std::wstring& text)
 {
-    static const std::vector<Change> changes = {
-        {"standard paper drops dimensions",
-         [](Parts& p) { UsePaper(p, 8, 1, 1); },
-         [](Parts& p)
-         {
-             p.mode.dmPaperSize = 8;
-             UseForm(p, L"A3");
-         }},
-        {"no such paper", [](Parts& p) { UsePaper(p, 10, 2000, 3000); }, kNothing},
-        {"custom paper",
-         [](Parts& p) { UsePaper(p, 256, 1500, 3000); },
-         [](Parts& p)
-         {
-             UsePaper(p, 256, 1500, 3000);
-             UseForm(p, L"Custom");
-         }},
-        {"custom paper out of range",
-         [](Parts& p) { UsePaper(p, 256, -5, 32767); },
-         [](Parts& p)
-         {
-             UsePaper(p, 256, 900, 5000);
-             UseForm(p, L"Custom");
-         }},
-        {"custom paper with one dimension",
-         [](Parts& p)
-         {
-             UsePaper(p, 256, 1500, 3000);
-             p.mode.dmFields &= ~DWORD{DM_PAPERLENGTH};
-         },
-         [](Parts& p)
-         {
-             UsePaper(p, 256, 1000, 2000);
-             UseForm(p, L"Custom");
-         }},
-        {"resolution", [](Parts& p) { p.mode.dmYResolution = 1200; }, [](Parts& p) { p.mode.dmYResolution = 1200; }},
-        {"no such resolution", [](Parts& p) { p.mode.dmYResolution = 300; }, kNothing},
-        {"x resolution alone",
-         [](Parts& p)
-         {
-             p.mode.dmFields &= ~DWORD{DM_YRESOLUTION};
-             p.mode.dmPrintQuality = 600;
-             p.mode.dmYResolution = 5;
-         },
-         [](Parts& p) { p.mode.dmPrintQuality = p.mode.dmYResolution = 600; }},
-        {"quality level",
-         [](Parts& p) { p.mode.dmPrintQuality = DMRES_HIGH; },
-         [](Parts& p)
-         {
-             p.mode.dmPrintQuality = DMRES_HIGH;
-             p.mode.dmYResolution = 0;
-             p.mode.dmFields &= ~DWORD{DM_YRESOLUTION};
-         }},
-        {"no such quality level", [](Parts& p) { p.mode.dmPrintQuality = DMRES_LOW; }, kNothing},
-    };
-    return changes;
+    std::ranges::fill(field, L'\0');
+    std::ranges::copy(text, std::begin(field));
 }
 
-const std::vector<Change>& PrivateChanges()
+auto Paper(short id, short width, short length, DWORD bits = DM_PAPERWIDTH | DM_PAPERLENGTH)
 {
-    static const std::vector<Change> changes = {
-        {"leading bytes", [](Parts& p) { p.leading[9] = std::byte{7}; }, [](Parts& p) { p.leading[9] = std::byte{7}; }},
-        {"locked compression", [](Parts& p) { p.block.compression = 1; }, kNothing},
-        {"features and locks",
-         [](Parts& p)
-         {
-             p.block.featureBitmap = 0;
-             p.block.lockedSettings = 0;
-         },
-         kNothing},
-        {"wrong signature",
-         [](Parts& p)
-         {
-             p.block.signature = 1;
-             p.block.pagesPerSheet = 2;
-         },
-         kNothing},
-        {"session name",
-         [](Parts& p) { wcscpy(p.block.printerName, L"Sample,Session 4"); },
-         [](Parts& p) { wcscpy(p.block.printerName, L"Sample,Session 4"); }},
-        {"name without end",
-         [](Parts& p) { std::ranges::fill(p.block.printerName, L'x'); },
-         [](Parts& p)
-         {
-             std::ranges::fill(p.block.printerName, L'x');
-             p.block.printerName[255] = 0;
-         }},
-        {"pages per sheet", [](Parts& p) { p.block.pagesPerSheet = 2; }, [](Parts& p) { p.block.pagesPerSheet = 2; }},
-        {"no such pages per sheet", [](Parts& p) { p.block.pagesPerSheet = 3; }, kNothing},
-        {"layout",
-         [](Parts& p) { wcscpy(p.block.nupLayout, L"ns0000:Spiral"); },
-         [](Parts& p)
-         {
-             std::ranges::fill(p.block.nupLayout, L'\0');
-             wcscpy(p.block.nupLayout, L"ns0000:Spiral");
-         }},
-        {"keyword without end", [](Parts& p) { std::ranges::fill(p.block.staple, L'p'); }, kNothing},
-        {"no such punch", [](Parts& p) { wcscpy(p.block.punch, L"psk:TopEdge"); }, kNothing},
-        {"flags become 0 or 1",
-         [](Parts& p)
-         {
-             p.block.isPrintAsImage = 0xFF;
-             p.block.isShowPreDlg = 0;
-             p.block.printTargetChoice = 2;
-             p.block.watermark.flag = 9;
-         },
-         [](Parts& p) { p.block.isShowPreDlg = 0; }},
-        {"reserved fields of the block are carried",
-         [](Parts& p) { p.block.reserved2 = 5; },
-         [](Parts& p) { p.block.reserved2 = 5; }},
-        {"watermark",
-         [](Parts& p)
-         {
-             std::ranges::fill(p.block.watermark.text, L'w');
-             p.block.watermark.placement = 1;
-             p.block.watermark.reserved[0] = 3;
-         },
-         [](Parts& p)
-         {
-             std::ranges::fill(p.block.watermark.text, L'w');
-             p.block.watermark.text[127] = 0;
-             p.block.watermark.placement = 1;
-         }},
-        {"empty watermark", [](Parts& p) { p.block.watermark = {}; }, kNothing},
-    };
-    return changes;
-}
-
-void CheckChanges(const std::vector<Change>& changes)
-{
-    const Profile profile = Parse(SampleProfile());
-    const Parts defaults(BuildDevMode(profile));
-    for (const Change& change : changes)
+    return [=](Parts& parts)
     {
-        SCOPED_TRACE(change.name);
-        Parts input = defaults;
-        change.apply(input);
-        Parts expected = defaults;
-        change.expect(expected);
-        const std::vector<std::byte> repaired = ValidateDevMode(profile, input.Join());
-        EXPECT_TRUE(repaired == expected.Join());
-        EXPECT_TRUE(ValidateDevMode(profile, repaired) == repaired) << "validating twice changes something";
-    }
+        parts.mode.dmFields |= bits;
+        parts.mode.dmPaperSize = id;
+        parts.mode.dmPaperWidth = width;
+        parts.mode.dmPaperLength = length;
+        SetText(parts.mode.dmFormName, id == 256 ? L"Custom" : L"A3");
+    };
+}
+
+auto Quality(short quality, short y, DWORD yBit)
+{
+    return [=](Parts& parts)
+    {
+        parts.mode.dmFields = (kSampleFields & ~DWORD{DM_YRESOLUTION}) | yBit;
+        parts.mode.dmPrintQuality = quality;
+        parts.mode.dmYResolution = y;
+    };
 }
 
 TEST(ValidateDevMode, RepairsPublicFields)
 {
-    CheckChanges(PublicChanges());
+    Check("no such orientation", &Parts::mode, &DEVMODEW::dmOrientation, 3, 2);
+    Check("source", &Parts::mode, &DEVMODEW::dmDefaultSource, 7, 7);
+    Check("no such source", &Parts::mode, &DEVMODEW::dmDefaultSource, 8, 15);
+    Check("no such media type", &Parts::mode, &DEVMODEW::dmMediaType, 3, 2);
+    Check("too many copies", &Parts::mode, &DEVMODEW::dmCopies, 51, 50);
+    Check("too few copies", &Parts::mode, &DEVMODEW::dmCopies, -1, 1);
+    Check("locked colour", &Parts::mode, &DEVMODEW::dmColor, DMCOLOR_COLOR, DMCOLOR_MONOCHROME);
+    Check("duplex", &Parts::mode, &DEVMODEW::dmDuplex, 1, 1);
+    Check("no such duplex", &Parts::mode, &DEVMODEW::dmDuplex, 4, 3);
+    Check("scale 0", &Parts::mode, &DEVMODEW::dmScale, 0, 90);
+    Check("driver version", &Parts::mode, &DEVMODEW::dmDriverVersion, 9, 0x100);
+    Check("unknown bits", &Parts::mode, &DEVMODEW::dmFields, kSampleFields | DM_NUP | DM_ICMMETHOD, kSampleFields);
+    const auto useForm = [](Parts& p) { SetText(p.mode.dmFormName, L"Elsewhere"); };
+    Check("form name alone", useForm, kDefaults);
 }
 
 TEST(ValidateDevMode, RepairsPaperAndQuality)
 {
-    CheckChanges(PaperAndQualityChanges());
+    Check("standard paper drops dimensions", Paper(8, 1, 1), Paper(8, 0, 0, 0));
+    Check("no such paper", Paper(10, 2000, 3000), kDefaults);
+    Check("custom paper", Paper(256, 1500, 3000), Paper(256, 1500, 3000));
+    Check("custom paper out of range", Paper(256, -5, 32767), Paper(256, 900, 5000));
+    Check("custom paper with one dimension", Paper(256, 1500, 3000, DM_PAPERWIDTH), Paper(256, 1000, 2000));
+    Check("no such resolution", Quality(1200, 300, DM_YRESOLUTION), kDefaults);
+    Check("x resolution alone", Quality(600, 5, 0), Quality(600, 600, DM_YRESOLUTION));
+    Check("quality level", Quality(DMRES_HIGH, 600, DM_YRESOLUTION), Quality(DMRES_HIGH, 0, 0));
+    Check("no such quality level", Quality(DMRES_LOW, 600, DM_YRESOLUTION), kDefaults);
 }
 
 TEST(ValidateDevMode, RepairsPrivateFields)
 {
-    CheckChanges(PrivateChanges());
+    Check("locked compression", &Parts::block, &PrivateBlock::compression, 1, 2);
+    Check("features", &Parts::block, &PrivateBlock::featureBitmap, 0, 0x17);
+    Check("locks", &Parts::block, &PrivateBlock::lockedSettings, 0, 6);
+    Check("no such pages per sheet", &Parts::block, &PrivateBlock::pagesPerSheet, 3, 4);
+    Check("a flag becomes 0 or 1", &Parts::block, &PrivateBlock::isPrintAsImage, 0xFF, 1);
+    Check("target", &Parts::block, &PrivateBlock::printTargetChoice, 2, 1);
+    Check("reserved fields are carried", &Parts::block, &PrivateBlock::reserved2, 5, 5);
+    const auto useLeading = [](Parts& p) { p.bytes[229] = std::byte{7}; };
+    Check("leading bytes are carried", useLeading, useLeading);
+    const auto clear = [](Parts& p) { p.block = {}; };
+    Check("no signature", clear, kDefaults);
+    const auto name = [](std::size_t length)
+    { return [=](Parts& p) { SetText(p.block.printerName, std::wstring(length, L'x')); }; };
+    Check("session name without end", name(256), name(255));
+    const auto staple = [](const std::wstring& text) { return [=](Parts& p) { SetText(p.block.staple, text); }; };
+    Check("keyword", staple(L"psk:None"), staple(L"psk:None"));
+    Check("no such keyword", staple(L"psk:SaddleStitch"), kDefaults);
+    Check("keyword without end", staple(std::wstring(30, L'p')), kDefaults);
+    const auto text = [](std::size_t length)
+    { return [=](Parts& p) { SetText(p.block.watermark.text, std::wstring(length, L'w')); }; };
+    Check("watermark without end", text(128), text(127));
+    Check("empty watermark", text(0), kDefaults);
+    const auto setFlag = [](Parts& p) { p.block.watermark.flag = 9; };
+    Check("watermark flag", setFlag, kDefaults);
 }
 
 TEST(ValidateDevMode, TakesFinishingAndCompressionOnlyWhereOffered)
@@ -356,39 +204,29 @@ TEST(ValidateDevMode, TakesFinishingAndCompressionOnlyWhereOffered)
     document["private"]["locked"] = {"duplex"};
     document["private"]["features"] = {"nup"};
     const Profile profile = Parse(document);
-    Parts input(BuildDevMode(profile));
-    input.mode.dmColor = DMCOLOR_COLOR;
-    input.mode.dmDuplex = DMDUP_SIMPLEX;
-    input.block.compression = 3;
-    input.block.isPrintAsImage = 0;
-    wcscpy(input.block.punch, L"psk:None");
-    const Parts output(ValidateDevMode(profile, input.Join()));
-    EXPECT_EQ(output.mode.dmColor, DMCOLOR_COLOR);
-    EXPECT_EQ(output.mode.dmDuplex, DMDUP_HORIZONTAL);
-    EXPECT_EQ(output.block.compression, 3u);
-    EXPECT_EQ(output.block.isPrintAsImage, 1);
-    EXPECT_STREQ(output.block.punch, L"psk:LeftEdge");
+    Check("locked duplex", &Parts::mode, &DEVMODEW::dmDuplex, 1, 3, profile);
+    Check("compression", &Parts::block, &PrivateBlock::compression, 3, 3, profile);
+    Check("print as image", &Parts::block, &PrivateBlock::isPrintAsImage, 0, 1, profile);
+    Check(
+        "punch", [](Parts& p) { SetText(p.block.punch, L"psk:None"); }, kDefaults, profile);
 }
 
 TEST(ValidateDevMode, NeverReadsBeyondTheBytesWhateverTheySay)
 {
-    const Profile profile = Parse(SampleProfile());
-    const std::vector<std::byte> defaults = BuildDevMode(profile);
+    const std::vector<std::byte> defaults = BuildDevMode(Sample());
+    using Words = std::initializer_list<WORD>;
     for (std::size_t size = 0; size <= defaults.size(); size += size < 240 ? 1 : 97)
     {
-        for (const WORD claimedSize : std::initializer_list<WORD>{0, 70, 100, 219, 220, 0xFFFF})
+        for (const WORD claimed : Words{0, 70, 100, 219, 220, 0xFFFF})
         {
-            for (const WORD claimedExtra : std::initializer_list<WORD>{0, 1111, 1112, 1122, 0xFFFF})
+            for (const WORD extra : Words{0, 1111, 1112, 1122, 0xFFFF})
             {
-                std::vector<std::byte> bytes(defaults.begin(), defaults.begin() + static_cast<std::ptrdiff_t>(size));
-                if (size >= 72)
-                {
-                    std::memcpy(bytes.data() + offsetof(DEVMODEW, dmSize), &claimedSize, 2);
-                    std::memcpy(bytes.data() + offsetof(DEVMODEW, dmDriverExtra), &claimedExtra, 2);
-                }
-                const GuardedBytes guarded(bytes);
-                ASSERT_TRUE(ValidateDevMode(profile, {guarded.Data(), size}) == defaults)
-                    << size << " bytes claiming " << claimedSize << " + " << claimedExtra;
+                std::vector<std::byte> bytes = defaults;
+                std::memcpy(bytes.data() + offsetof(DEVMODEW, dmSize), &claimed, 2);
+                std::memcpy(bytes.data() + offsetof(DEVMODEW, dmDriverExtra), &extra, 2);
+                bytes.resize(size);
+                ASSERT_TRUE(ValidateDevMode(Sample(), {AtTheEndOfMemory(bytes), size}) == defaults)
+                    << size << " bytes claiming " << claimed << " + " << extra;
             }
         }
     }
@@ -396,22 +234,20 @@ TEST(ValidateDevMode, NeverReadsBeyondTheBytesWhateverTheySay)
 
 TEST(ValidateDevMode, UnderstandsShorterAndLongerPublicParts)
 {
-    const Profile profile = Parse(SampleProfile());
-    Parts parts(BuildDevMode(profile));
+    Parts parts(BuildDevMode(Sample()));
     parts.mode.dmOrientation = DMORIENT_PORTRAIT;
     parts.mode.dmMediaType = 1;
     parts.block.pagesPerSheet = 2;
     for (const WORD size : std::initializer_list<WORD>{156, 228})
     {
-        SCOPED_TRACE(size);
+        parts.mode.dmSize = size;
         std::vector<std::byte> bytes = parts.Join();
         const auto at = bytes.begin() + std::min<int>(size, 220);
         size < 220 ? bytes.erase(at, bytes.begin() + 220) : bytes.insert(at, 8, std::byte{0xEE});
-        std::memcpy(bytes.data() + offsetof(DEVMODEW, dmSize), &size, sizeof(size));
-        const Parts output(ValidateDevMode(profile, bytes));
-        EXPECT_EQ(output.mode.dmOrientation, DMORIENT_PORTRAIT);
+        const Parts output(ValidateDevMode(Sample(), bytes));
+        EXPECT_EQ(output.mode.dmOrientation, DMORIENT_PORTRAIT) << size;
         EXPECT_EQ(output.mode.dmMediaType, size < 220 ? 2u : 1u);
-        EXPECT_EQ(output.block.pagesPerSheet, 2u);
+        EXPECT_EQ(output.block.pagesPerSheet, 2u) << size;
     }
 }
 

@@ -4,8 +4,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -52,55 +50,60 @@ inline nlohmann::json SparseProfile()
 {
     return nlohmann::json::parse(R"({
         "schemaVersion": 1, "name": "Sparse", "deviceMode": {"paper": 1},
-        "papers": [{"id": 1, "name": "Letter", "keyword": "psk:NorthAmericaLetter", "width": 2159, "height": 2794}],
-        "qualityLevels": ["medium", "draft"]
+        "papers": [{"id": 1, "name": "Letter", "keyword": "psk:NorthAmericaLetter", "width": 2159, "height": 2794},
+            {"id": 70, "name": "Strip", "keyword": "psk:ISOA6", "width": 1000, "height": 4200}],
+        "staple": ["psk:None"], "qualityLevels": ["medium", "draft"]
     })");
+}
+
+// The text of a profile under another name.
+inline std::string Named(const std::string& name, nlohmann::json document = SparseProfile())
+{
+    document["name"] = name;
+    return document.dump();
 }
 
 // The profile of a document that must be good.
 inline Profile Parse(const nlohmann::json& document)
 {
     std::vector<ProfileProblem> problems;
-    std::optional<Profile> profile = ParseProfile(document.dump(), "sample.json", problems);
-    if (!profile)
+    return ParseProfile(document.dump(), "sample.json", problems).value();
+}
+
+// Each problem as "file|field|reason".
+inline std::vector<std::string> Lines(const std::vector<ProfileProblem>& problems)
+{
+    std::vector<std::string> lines;
+    for (const ProfileProblem& problem : problems)
     {
-        throw std::runtime_error(problems.front().field + ": " + problems.front().reason);
+        lines.push_back(problem.file + "|" + problem.field + "|" + problem.reason);
     }
-    return *profile;
+    return lines;
 }
 
 // A directory of profiles that disappears with the object.
-class ProfileDirectory
+struct ProfileDirectory
 {
-public:
     ProfileDirectory()
     {
-        static int count = 0;
-        const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
-        m_path = std::filesystem::temp_directory_path() /
-                 ("tessary-profiles-" + std::to_string(stamp) + "-" + std::to_string(++count));
-        std::filesystem::create_directories(m_path);
+        std::filesystem::create_directories(path);
     }
     ProfileDirectory(const ProfileDirectory&) = delete;
     ProfileDirectory& operator=(const ProfileDirectory&) = delete;
     ~ProfileDirectory()
     {
         std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-
-    const std::filesystem::path& Path() const
-    {
-        return m_path;
+        std::filesystem::remove_all(path, ignored);
     }
 
     void Write(std::string_view file, std::string_view content) const
     {
-        std::ofstream(m_path / file, std::ios::binary) << content;
+        std::ofstream(path / file, std::ios::binary) << content;
     }
 
-private:
-    std::filesystem::path m_path;
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() /
+        ("tessary-profiles-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
 };
 
 } // namespace tsypr::service::test

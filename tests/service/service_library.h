@@ -1,11 +1,15 @@
 #ifndef TESSARY_TESTS_SERVICE_SERVICE_LIBRARY_H
 #define TESSARY_TESTS_SERVICE_SERVICE_LIBRARY_H
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <windows.h>
+#include <winspool.h>
 
 #include "service/vp_api.h"
 #include "tests/service/sample_profile.h"
@@ -13,58 +17,41 @@
 namespace tsypr::service::test
 {
 
-// Lets this process, and no other, see a registry of its own under HKEY_LOCAL_MACHINE.
-class ScratchMachineRegistry
+// The fields of the sample printers' default device modes.
+constexpr DWORD kSampleFields = DM_ORIENTATION | DM_PAPERSIZE | DM_SCALE | DM_COPIES | DM_DEFAULTSOURCE |
+                                DM_PRINTQUALITY | DM_COLOR | DM_DUPLEX | DM_YRESOLUTION | DM_COLLATE | DM_FORMNAME |
+                                DM_MEDIATYPE;
+constexpr DWORD kSparseFields = DM_ORIENTATION | DM_PAPERSIZE | DM_COPIES | DM_PRINTQUALITY | DM_FORMNAME;
+
+// One answer about capabilities, copied and given back.
+struct Answer
 {
-public:
-    ScratchMachineRegistry()
-    {
-        m_path = L"Software\\TessaryServiceTests\\" + std::to_wstring(GetCurrentProcessId());
-        HKEY key = nullptr;
-        RegCreateKeyExW(HKEY_CURRENT_USER, m_path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
-        RegCloseKey(key);
-    }
-    ScratchMachineRegistry(const ScratchMachineRegistry&) = delete;
-    ScratchMachineRegistry& operator=(const ScratchMachineRegistry&) = delete;
-    ~ScratchMachineRegistry()
-    {
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str());
-    }
-
-    void SetProfileDirectory(const std::wstring& directory) const
-    {
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE,
-                        L"Software\\Zelmora\\Tessary\\PrintRedir\\service",
-                        L"PrinterProfiles",
-                        REG_SZ,
-                        directory.c_str(),
-                        static_cast<DWORD>((directory.size() + 1) * sizeof(WCHAR)));
-    }
-
-private:
-    std::wstring m_path;
+    LONG status = 0;
+    LONG result = 5;
+    std::vector<std::byte> data;
 };
 
 // The library, freshly loaded, with every function bound by name as its users do it.
 class ServiceLibrary
 {
-public:
-    ServiceLibrary() : m_module(LoadLibraryW(L"tsyprserverapi.dll"))
+    const HMODULE m_module = LoadLibraryW(L"tsyprserverapi.dll");
+
+    // Becomes the function of that name.
+    struct Symbol
     {
-        Bind(open, "VpOpenRemotePrinter");
-        Bind(close, "VpCloseRemotePrinter");
-        Bind(getDevMode, "VpGetDevMode");
-        Bind(freeDevMode, "VpFreeDevMode");
-        Bind(getCapabilities, "VpGetDeviceCapabilities");
-        Bind(freeCapabilities, "VpFreeDeviceCapabilities");
-        Bind(makePTQuery, "VpMakePTQuery");
-        Bind(freePTData, "VpFreePTData");
-        Bind(readCounters, "VpReadCallCounters");
-        Bind(resetCounters, "VpResetCallCounters");
-        Bind(readProblems, "VpReadProfileProblems");
-    }
+        HMODULE module;
+        const char* name;
+
+        template <class Function>
+        operator Function*() const
+        {
+            const auto address = reinterpret_cast<void*>(GetProcAddress(module, name));
+            return address != nullptr ? reinterpret_cast<Function*>(address) : throw std::runtime_error(name);
+        }
+    };
+
+public:
+    ServiceLibrary() = default;
     ServiceLibrary(const ServiceLibrary&) = delete;
     ServiceLibrary& operator=(const ServiceLibrary&) = delete;
     ~ServiceLibrary()
@@ -79,6 +66,18 @@ public:
         return handle;
     }
 
+    Answer Ask(void* handle, WORD index) const
+    {
+        Answer answer;
+        DWORD size = 77;
+        void* data = &size;
+        answer.status = getCapabilities(handle, index, &size, &data, 0, nullptr, &answer.result);
+        const auto* bytes = static_cast<const std::byte*>(data);
+        answer.data.assign(bytes, bytes + size);
+        freeCapabilities(data);
+        return answer;
+    }
+
     VpCallCounters Counters() const
     {
         VpCallCounters counters{};
@@ -86,78 +85,60 @@ public:
         return counters;
     }
 
-    decltype(&VpOpenRemotePrinter) open = nullptr;
-    decltype(&VpCloseRemotePrinter) close = nullptr;
-    decltype(&VpGetDevMode) getDevMode = nullptr;
-    decltype(&VpFreeDevMode) freeDevMode = nullptr;
-    decltype(&VpGetDeviceCapabilities) getCapabilities = nullptr;
-    decltype(&VpFreeDeviceCapabilities) freeCapabilities = nullptr;
-    decltype(&VpMakePTQuery) makePTQuery = nullptr;
-    decltype(&VpFreePTData) freePTData = nullptr;
-    decltype(&VpReadCallCounters) readCounters = nullptr;
-    decltype(&VpResetCallCounters) resetCounters = nullptr;
-    decltype(&VpReadProfileProblems) readProblems = nullptr;
-
-private:
-    template <class Function>
-    void Bind(Function& function, const char* name)
-    {
-        function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
-        if (function == nullptr)
-        {
-            throw std::runtime_error(std::string("not exported: ") + name);
-        }
-    }
-
-    HMODULE m_module;
+    decltype(&VpOpenRemotePrinter) open = Symbol{m_module, "VpOpenRemotePrinter"};
+    decltype(&VpCloseRemotePrinter) close = Symbol{m_module, "VpCloseRemotePrinter"};
+    decltype(&VpGetDevMode) getDevMode = Symbol{m_module, "VpGetDevMode"};
+    decltype(&VpFreeDevMode) freeDevMode = Symbol{m_module, "VpFreeDevMode"};
+    decltype(&VpGetDeviceCapabilities) getCapabilities = Symbol{m_module, "VpGetDeviceCapabilities"};
+    decltype(&VpFreeDeviceCapabilities) freeCapabilities = Symbol{m_module, "VpFreeDeviceCapabilities"};
+    decltype(&VpMakePTQuery) makePTQuery = Symbol{m_module, "VpMakePTQuery"};
+    decltype(&VpFreePTData) freePTData = Symbol{m_module, "VpFreePTData"};
+    decltype(&VpReadCallCounters) readCounters = Symbol{m_module, "VpReadCallCounters"};
+    decltype(&VpResetCallCounters) resetCounters = Symbol{m_module, "VpResetCallCounters"};
+    decltype(&VpReadProfileProblems) readProblems = Symbol{m_module, "VpReadProfileProblems"};
 };
 
-// The library over a directory with the sample printers.
-struct SampleService
+// The service's setting: a directory with the sample printers, named in a registry that only this process sees under
+// HKEY_LOCAL_MACHINE.
+struct ServiceSetting : testing::Test
 {
-    SampleService()
+    ServiceSetting()
     {
         directory.Write("sample.json", SampleProfile().dump());
         directory.Write("sparse.json", SparseProfile().dump());
-        registry.SetProfileDirectory(directory.Path().wstring());
+        HKEY key = nullptr;
+        RegCreateKeyExW(HKEY_CURRENT_USER, kScratch, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
+        RegCloseKey(key);
+        const std::wstring path = directory.path.wstring();
+        const auto bytes = static_cast<DWORD>((path.size() + 1) * sizeof(WCHAR));
+        RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKey, L"PrinterProfiles", REG_SZ, path.c_str(), bytes);
+    }
+    ~ServiceSetting() override
+    {
+        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
+        RegDeleteTreeW(HKEY_CURRENT_USER, kScratch);
     }
 
+    static constexpr auto kScratch = L"Software\\TessaryServiceTests";
+    static constexpr auto kKey = L"Software\\Zelmora\\Tessary\\PrintRedir\\service";
     ProfileDirectory directory;
-    ScratchMachineRegistry registry;
+};
+
+struct SampleService : ServiceSetting
+{
     ServiceLibrary library;
 };
 
-// Bytes that end exactly where readable memory ends.
-class GuardedBytes
+// Copies the bytes, at most a page, to where readable memory ends. The next call takes the place again.
+inline std::byte* AtTheEndOfMemory(const std::vector<std::byte>& bytes)
 {
-public:
-    explicit GuardedBytes(const std::vector<std::byte>& bytes)
-    {
-        constexpr std::size_t kPage = 4096;
-        const std::size_t pages = (bytes.size() + kPage - 1) / kPage;
-        m_memory = static_cast<std::byte*>(
-            VirtualAlloc(nullptr, (pages + 1) * kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
-        DWORD before = 0;
-        VirtualProtect(m_memory + pages * kPage, kPage, PAGE_NOACCESS, &before);
-        m_begin = m_memory + pages * kPage - bytes.size();
-        std::copy(bytes.begin(), bytes.end(), m_begin);
-    }
-    GuardedBytes(const GuardedBytes&) = delete;
-    GuardedBytes& operator=(const GuardedBytes&) = delete;
-    ~GuardedBytes()
-    {
-        VirtualFree(m_memory, 0, MEM_RELEASE);
-    }
-
-    std::byte* Data() const
-    {
-        return m_begin;
-    }
-
-private:
-    std::byte* m_memory = nullptr;
-    std::byte* m_begin = nullptr;
-};
+    constexpr std::size_t kPage = 4096;
+    static const auto memory = static_cast<std::byte*>(VirtualAlloc(nullptr, 2 * kPage, MEM_COMMIT, PAGE_READWRITE));
+    DWORD before = 0;
+    VirtualProtect(memory + kPage, kPage, PAGE_NOACCESS, &before);
+    return std::copy_backward(bytes.begin(), bytes.end(), memory + kPage);
+}
 
 } // namespace tsypr::service::test
 

@@ -1,6 +1,6 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <string>
@@ -10,80 +10,57 @@
 #include "service/device_mode.h"
 #include "tests/service/service_library.h"
 
-#include <winspool.h>
-
 namespace tsypr::service::test
 {
 namespace
 {
 
-TEST(VpApi, OpensOnlyPrintersThatItKnows)
+using VpApiTest = SampleService;
+
+TEST_F(VpApiTest, KnowsPrintersAndHandles)
 {
-    const SampleService service;
-    const ServiceLibrary& library = service.library;
     void* handle = library.Open(L"Sample");
     void* second = library.Open(L"Sample");
-    EXPECT_NE(handle, nullptr);
-    EXPECT_NE(handle, second);
-    for (const std::wstring& unknown : {std::wstring(L"sample"), std::wstring(), std::wstring(5000, L'x')})
+    EXPECT_TRUE(handle != nullptr && handle != second);
+    const std::wstring endless(5000, L'x');
+    for (const WCHAR* unknown : {L"sample", L"", endless.c_str(), static_cast<const WCHAR*>(nullptr)})
     {
-        EXPECT_EQ(library.Open(unknown.c_str()), nullptr);
+        EXPECT_EQ(library.Open(unknown), nullptr);
     }
-    EXPECT_EQ(library.Open(nullptr), nullptr);
     EXPECT_NE(library.open(L"Sample", nullptr), ERROR_SUCCESS);
     EXPECT_EQ(library.Counters().outstandingHandles, 2u);
-    library.close(handle);
     library.close(second);
-    EXPECT_EQ(library.Counters().outstandingHandles, 0u);
-}
-
-TEST(VpApi, HandsOutIndependentDeviceModes)
-{
-    const SampleService service;
-    const ServiceLibrary& library = service.library;
-    void* handle = library.Open(L"Sample");
-    DEVMODEW* first = nullptr;
-    DEVMODEW* second = nullptr;
-    EXPECT_EQ(library.getDevMode(handle, &first), ERROR_SUCCESS);
-    EXPECT_EQ(library.getDevMode(handle, &second), ERROR_SUCCESS);
     library.close(handle);
-    ASSERT_TRUE(first != nullptr && second != nullptr && first != second);
-
-    const std::vector<std::byte> expected = BuildDevMode(Parse(SampleProfile()));
-    std::memset(first, 0, expected.size());
-    library.freeDevMode(first);
-    EXPECT_EQ(std::memcmp(second, expected.data(), expected.size()), 0);
-    library.freeDevMode(second);
-    EXPECT_EQ(library.Counters().outstandingReplies, 0u);
-}
-
-TEST(VpApi, RefusesStaleForeignAndNullHandles)
-{
-    const SampleService service;
-    const ServiceLibrary& library = service.library;
-    void* stale = library.Open(L"Sample");
-    library.close(stale);
     int foreign = 0;
-    for (void* handle :
-         {stale, static_cast<void*>(&foreign), static_cast<void*>(nullptr), reinterpret_cast<void*>(~ULONG_PTR{0})})
+    for (void* bad : {handle, static_cast<void*>(&foreign), static_cast<void*>(nullptr)})
     {
-        DEVMODEW* mode = reinterpret_cast<DEVMODEW*>(&foreign);
-        EXPECT_NE(library.getDevMode(handle, &mode), ERROR_SUCCESS);
+        auto* mode = reinterpret_cast<DEVMODEW*>(&foreign);
+        EXPECT_NE(library.getDevMode(bad, &mode), ERROR_SUCCESS);
         EXPECT_EQ(mode, nullptr);
-        DWORD size = 5;
-        void* data = &foreign;
-        LONG result = 5;
-        EXPECT_NE(library.getCapabilities(handle, DC_PAPERS, &size, &data, 0, nullptr, &result), ERROR_SUCCESS);
-        EXPECT_TRUE(size == 0 && data == nullptr && result == -1);
-        library.close(handle);
+        const Answer answer = library.Ask(bad, DC_PAPERS);
+        EXPECT_TRUE(answer.status != ERROR_SUCCESS && answer.data.empty() && answer.result == -1);
+        library.close(bad);
     }
     EXPECT_EQ(library.Counters().outstandingHandles, 0u);
 }
 
-TEST(VpApi, ReleasesOnlyOutstandingRepliesOfTheSameKind)
+TEST_F(VpApiTest, HandsOutIndependentDeviceModes)
 {
-    const SampleService service;
-    const ServiceLibrary& library = service.library;
+    void* handle = library.Open(L"Sample");
+    DEVMODEW* modes[2] = {};
+    EXPECT_EQ(library.getDevMode(handle, &modes[0]), ERROR_SUCCESS);
+    EXPECT_EQ(library.getDevMode(handle, &modes[1]), ERROR_SUCCESS);
+    EXPECT_NE(library.getDevMode(handle, nullptr), ERROR_SUCCESS);
+    library.close(handle);
+    const std::vector<std::byte> expected = BuildDevMode(Parse(SampleProfile()));
+    std::memset(modes[0], 0, expected.size());
+    library.freeDevMode(modes[0]);
+    EXPECT_EQ(std::memcmp(modes[1], expected.data(), expected.size()), 0);
+    library.freeDevMode(modes[1]);
+}
+
+TEST_F(VpApiTest, ReleasesOnlyOutstandingRepliesAndFillsOnlyPlacesThatAreThere)
+{
     void* handle = library.Open(L"Sample");
     DWORD size = 0;
     void* data = nullptr;
@@ -97,7 +74,6 @@ TEST(VpApi, ReleasesOnlyOutstandingRepliesOfTheSameKind)
     library.freeCapabilities(data);
     library.freeCapabilities(data);
     library.freeCapabilities(nullptr);
-    EXPECT_EQ(library.Counters().outstandingReplies, 0u);
 
     // A place for the result but none for the data, or for one half of it only.
     library.getCapabilities(handle, DC_PAPERS, &size, nullptr, 0, nullptr, &result);
@@ -105,88 +81,43 @@ TEST(VpApi, ReleasesOnlyOutstandingRepliesOfTheSameKind)
     library.getCapabilities(handle, DC_PAPERS, nullptr, &data, 0, nullptr, &result);
     EXPECT_TRUE(data == nullptr && result == 3);
     EXPECT_NE(library.getCapabilities(handle, DC_PAPERS, &size, &data, 0, nullptr, nullptr), ERROR_SUCCESS);
-    EXPECT_NE(library.getDevMode(handle, nullptr), ERROR_SUCCESS);
-    EXPECT_EQ(library.Counters().outstandingReplies, 0u);
-    library.close(handle);
-}
 
-TEST(VpApi, CountsEveryCallOfEachFunction)
-{
-    const SampleService service;
-    const ServiceLibrary& library = service.library;
-    library.resetCounters();
-    void* handle = library.Open(L"Sample");
-    DEVMODEW* mode = nullptr;
-    for (int i = 0; i < 2; ++i)
-    {
-        library.getDevMode(handle, &mode);
-        library.freeDevMode(mode);
-    }
-    LONG result = 0;
-    for (int i = 0; i < 3; ++i)
-    {
-        library.getCapabilities(handle, DC_COPIES, nullptr, nullptr, 0, nullptr, &result);
-    }
-    library.freeCapabilities(nullptr);
-    DWORD size = 5;
-    void* output = &size;
-    EXPECT_NE(library.makePTQuery(handle, 2, 0, nullptr, &size, &output, &result), ERROR_SUCCESS);
-    EXPECT_TRUE(size == 0 && output == nullptr && result == E_NOTIMPL);
+    size = 5;
+    data = &size;
+    EXPECT_NE(library.makePTQuery(handle, 2, 0, nullptr, &size, &data, &result), ERROR_SUCCESS);
+    EXPECT_TRUE(size == 0 && data == nullptr && result == E_NOTIMPL);
     EXPECT_NE(library.makePTQuery(nullptr, 9, 4, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
-    library.freePTData(output);
-
-    const VpCallCounters counted = library.Counters();
-    const ULONGLONG expected[] = {1, 0, 2, 2, 3, 1, 2, 1, 1, 0};
-    static_assert(sizeof(expected) == sizeof(counted));
-    EXPECT_EQ(std::memcmp(&counted, expected, sizeof(expected)), 0);
-
-    library.resetCounters();
-    library.readCounters(nullptr);
-    EXPECT_EQ(library.Counters().getDevMode, 0u);
-    EXPECT_EQ(library.Counters().outstandingHandles, 1u);
-    library.close(handle);
+    EXPECT_EQ(library.Counters().outstandingReplies, 0u);
 }
 
-TEST(VpApi, TellsWhyProfilesWereRefused)
+TEST_F(VpApiTest, TellsWhyProfilesWereRefused)
 {
-    const SampleService service;
-    service.directory.Write("bad.json", "{\"schemaVersion\": 1}");
-    service.directory.Write("twin.json", SampleProfile().dump());
-    const DWORD length = service.library.readProblems(nullptr, 0);
-    std::wstring text(length + 1, L'?');
-    EXPECT_EQ(service.library.readProblems(text.data(), length + 1), length);
-    EXPECT_THAT(text, testing::HasSubstr(L"bad.json: deviceMode: is missing\n"));
-    EXPECT_THAT(text, testing::HasSubstr(L"twin.json: name: is taken by an earlier file\n"));
-    EXPECT_EQ(text[length], L'\0');
+    directory.Write("bad.json", "[]");
+    directory.Write("twin.json", SampleProfile().dump());
+    const std::wstring expected = L"bad.json: : must be an object\ntwin.json: name: is taken by an earlier file\n";
+    std::wstring text(expected.size() + 1, L'?');
+    EXPECT_EQ(library.readProblems(nullptr, 0), expected.size());
+    EXPECT_EQ(library.readProblems(text.data(), static_cast<DWORD>(text.size())), expected.size());
+    EXPECT_EQ(text, expected + L'\0');
 
-    WCHAR cut[5] = {L'?', L'?', L'?', L'?', L'?'};
-    EXPECT_EQ(service.library.readProblems(cut, 4), length);
-    EXPECT_EQ(std::wstring(cut, 5), std::wstring(L"bad\0?", 5));
-    EXPECT_NE(service.library.Open(L"Sparse"), nullptr);
+    text = L"?????";
+    EXPECT_EQ(library.readProblems(text.data(), 4), expected.size());
+    EXPECT_EQ(text, std::wstring(L"bad\0?", 5));
 }
 
-TEST(VpApi, ServesTheExamplePrintersBesideItWithoutASetting)
+TEST_F(VpApiTest, ServesTheExamplePrintersBesideItWithoutASetting)
 {
-    const ScratchMachineRegistry registry;
-    const ServiceLibrary library;
-    void* handle = library.Open(L"Studio Color");
-    EXPECT_NE(handle, nullptr);
-    library.close(handle);
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kKey);
+    EXPECT_NE(library.Open(L"Studio Color"), nullptr);
     EXPECT_EQ(library.readProblems(nullptr, 0), 0u);
 }
 
-TEST(VpApi, ReadsTheProfilesOnceAndNotWhenLoaded)
+TEST_F(VpApiTest, ReadsTheProfilesOnceAndNotWhenLoaded)
 {
-    const ProfileDirectory directory;
-    const ScratchMachineRegistry registry;
-    registry.SetProfileDirectory(directory.Path().wstring());
-    const ServiceLibrary library;
-    directory.Write("sample.json", SampleProfile().dump());
-    void* handle = library.Open(L"Sample");
-    EXPECT_NE(handle, nullptr);
-    directory.Write("sparse.json", SparseProfile().dump());
-    EXPECT_EQ(library.Open(L"Sparse"), nullptr);
-    library.close(handle);
+    directory.Write("soon.json", Named("Soon"));
+    EXPECT_NE(library.Open(L"Soon"), nullptr);
+    directory.Write("late.json", Named("Late"));
+    EXPECT_EQ(library.Open(L"Late"), nullptr);
 }
 
 // Bytes in use in every heap of the process.
@@ -206,79 +137,58 @@ std::size_t BusyHeapBytes()
     return bytes;
 }
 
-TEST(VpApi, LeavesNothingBehindWhenUnloaded)
+TEST_F(ServiceSetting, LeavesNothingBehindWhenUnloaded)
 {
-    const ProfileDirectory directory;
-    for (int i = 0; i < 10; ++i)
+    for (const std::string name : {"1", "2", "3", "4", "5", "6", "7", "8"})
     {
-        nlohmann::json document = SampleProfile();
-        document["name"] = i == 0 ? "Sample" : "Sample " + std::to_string(i);
-        directory.Write("sample" + std::to_string(i) + ".json", document.dump());
+        directory.Write(name + ".json", Named(name, SampleProfile()));
     }
-    directory.Write("bad.json", "{");
-    const ScratchMachineRegistry registry;
-    registry.SetProfileDirectory(directory.Path().wstring());
-    const auto use = []
+    constexpr std::size_t kRounds = 20;
+    std::size_t before = 0;
+    for (std::size_t i = 0; i <= kRounds; ++i)
     {
+        before = i == 1 ? BusyHeapBytes() : before;
         const ServiceLibrary library;
-        library.Open(L"Sample");
         DEVMODEW* mode = nullptr;
         library.getDevMode(library.Open(L"Sample"), &mode);
-    };
-    use();
-    const std::size_t before = BusyHeapBytes();
-    constexpr std::size_t kRounds = 20;
-    for (std::size_t i = 0; i < kRounds; ++i)
-    {
-        use();
     }
     // A load with one use leaves 1 to 2 KB, however many profiles there are; the profiles would be many times that.
     EXPECT_LT(BusyHeapBytes(), before + kRounds * 2000);
 }
 
 // One thread's share: whole operations as the print system makes them.
-int CountWrongAnswers(const ServiceLibrary& library, int rounds)
+int CountWrongAnswers(const ServiceLibrary& library, bool sample)
 {
     int wrong = 0;
-    for (int i = 0; i < rounds; ++i)
+    for (int i = 0; i < 200; ++i)
     {
-        const bool sample = i % 2 == 0;
         void* handle = library.Open(sample ? L"Sample" : L"Sparse");
         DEVMODEW* mode = nullptr;
         library.getDevMode(handle, &mode);
-        DWORD size = 0;
-        void* data = nullptr;
-        LONG result = 0;
-        library.getCapabilities(handle, DC_PAPERNAMES, &size, &data, 0, mode, &result);
+        const Answer names = library.Ask(handle, DC_PAPERNAMES);
         library.close(handle);
         wrong += mode == nullptr || mode->dmDriverExtra != (sample ? 1122 : 1112);
-        wrong += result != (sample ? 3 : 1) || size != static_cast<DWORD>(result) * 128;
-        wrong += data == nullptr || wcscmp(static_cast<WCHAR*>(data), sample ? L"A4" : L"Letter") != 0;
+        wrong += names.data.size() != (sample ? 384 : 256) || names.data[0] != std::byte(sample ? 'A' : 'L');
         library.freeDevMode(mode);
-        library.freeCapabilities(data);
     }
     return wrong;
 }
 
-TEST(VpApi, AnswersSixteenThreadsAtOnce)
+TEST_F(VpApiTest, AnswersSixteenThreadsAtOnce)
 {
-    const SampleService service;
     std::atomic<int> wrong = 0;
     std::vector<std::thread> threads;
     for (int i = 0; i < 16; ++i)
     {
-        threads.emplace_back([&] { wrong += CountWrongAnswers(service.library, 200); });
+        threads.emplace_back([&, i] { wrong += CountWrongAnswers(library, i % 2 == 0); });
     }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    std::ranges::for_each(threads, &std::thread::join);
     EXPECT_EQ(wrong, 0);
-    const VpCallCounters counters = service.library.Counters();
-    EXPECT_EQ(counters.openRemotePrinter, 3200u);
-    EXPECT_EQ(counters.freeDeviceCapabilities, 3200u);
-    EXPECT_EQ(counters.outstandingHandles, 0u);
-    EXPECT_EQ(counters.outstandingReplies, 0u);
+    const VpCallCounters counters = library.Counters();
+    const ULONGLONG expected[] = {3200, 3200, 3200, 3200, 3200, 3200, 0, 0, 0, 0};
+    EXPECT_EQ(std::memcmp(&counters, expected, sizeof(counters)), 0);
+    library.resetCounters();
+    EXPECT_EQ(library.Counters().getDevMode, 0u);
 }
 
 } // namespace
