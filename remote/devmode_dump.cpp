@@ -50,7 +50,7 @@ struct NameText
 
     NameText(const DEVMODEW* dm, const wchar_t (&field)[CCHDEVICENAME]) noexcept
     {
-        const size_t offset =
+        const auto offset =
             static_cast<size_t>(reinterpret_cast<const char*>(field) - reinterpret_cast<const char*>(dm));
         const size_t inside = dm->dmSize > offset ? (dm->dmSize - offset) / sizeof(wchar_t) : 0;
         std::wmemcpy(text, field, std::min<size_t>(inside, CCHDEVICENAME));

@@ -46,8 +46,8 @@ def verdict(printer, duplex, paper, logs):
         f'Windows\' printing functions loaded the driver module, which knows nothing about "{printer}" itself: the\n'
         f"capabilities and the default settings came from the printer service. Then an application asked for\n"
         f"{duplex} two-sided printing, paper {paper} and 3 copies on the locked printer. The module took over the\n"
-        f"paper ({paper_name}) and the copies and refused the duplex mode: it stayed {in_words}. Each of the {logs} processes\n"
-        f"that loaded the module left a log of its own."
+        f"paper ({paper_name}) and the copies and refused the duplex mode: it stayed {in_words}. Each of the {logs}\n"
+        f"processes that loaded the module left a log of its own."
     )
 
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Checks the plain-text rules of .editorconfig: lint_text.py FILE ...
 
-UTF-8 without byte order mark, lines ended by a line feed alone, no blanks at line ends, no tabs, a line end at the end of
-the file. Also: no binary files, and no path of one machine. Files in folders named testdata are left alone.
+UTF-8 without byte order mark, lines ended by a line feed alone, no blanks at line ends, no tabs, a line end at the end
+of the file. Also: no binary files, and no path of one machine. Files in folders named testdata are left alone.
 """
 
 import re

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Counts single tests over the presets: test_report.py [--expect-tests] PRESET=RESULTS-FOLDER ...
 
-With --expect-tests a preset without a single test is a failure. A results folder holds what scripts/test.sh leaves there: listing.json (CTest's list of tests), ctest.xml (how each
-ended) and programs/*.json (the report of each GoogleTest program). The last line printed is "N passed, N failed".
+With --expect-tests a preset without a single test is a failure. A results folder holds what scripts/test.sh leaves
+there: listing.json (CTest's list of tests), ctest.xml (how each ended) and programs/*.json (the report of each
+GoogleTest program). The last line printed is "N passed, N failed", with ", N skipped" behind it if there are any.
 """
 
 import json

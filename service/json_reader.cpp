@@ -140,7 +140,7 @@ void ObjectReader::Text(std::string_view key, Presence presence, TextLimits limi
         m_problems.Add(PathOf(key), "must be a text");
         return;
     }
-    const std::string& text = value->get_ref<const std::string&>();
+    const auto& text = value->get_ref<const std::string&>();
     const std::size_t length = Utf16Length(text);
     if (length < limits.shortest || length > limits.longest)
     {

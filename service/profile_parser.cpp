@@ -215,7 +215,7 @@ std::string SyntaxReason(const Json::exception& error)
 {
     const std::string_view message = error.what();
     const std::size_t bracket = message.find("] ");
-    return "is not JSON: " + std::string(bracket == message.npos ? message : message.substr(bracket + 2));
+    return "is not JSON: " + std::string(bracket == std::string_view::npos ? message : message.substr(bracket + 2));
 }
 
 } // namespace

@@ -170,7 +170,7 @@ Json QueryJson(std::vector<std::wstring> arguments)
     arguments.push_back(L"--json");
     const Outcome outcome = RunPrintctl(arguments);
     EXPECT_EQ(outcome.code, 0) << outcome.error;
-    const Json document = Json::parse(outcome.out, nullptr, false);
+    Json document = Json::parse(outcome.out, nullptr, false);
     EXPECT_FALSE(document.is_discarded()) << outcome.out;
     return document;
 }
