@@ -33,7 +33,7 @@ Function ServiceFunction(const char* name)
     static const HMODULE library = LoadLibraryW(L"tsyprserverapi.dll");
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
-#define SERVICE(function) ServiceFunction<decltype(&function)>(#function)
+#define SERVICE(function) ServiceFunction<decltype(&(function))>(#function)
 
 struct CloseService
 {
