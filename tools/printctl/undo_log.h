@@ -24,6 +24,7 @@ public:
 
     ~UndoLog()
     {
+        // NOLINTNEXTLINE(modernize-loop-convert): clang 14 cannot compile the reverse view it asks for.
         for (auto step = m_undo.rbegin(); step != m_undo.rend(); ++step)
         {
             Run(step->second, "undoing \"" + step->first + "\"");
