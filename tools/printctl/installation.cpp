@@ -101,7 +101,7 @@ private:
         for (const auto& source : sources)
         {
             CheckSpoolerCopy(source);
-            if (foreign.count(SpoolerCopy(source).wstring()) == 0)
+            if (!foreign.contains(SpoolerCopy(source).wstring()))
             {
                 m_files.insert(SpoolerCopy(source).wstring());
             }
@@ -123,7 +123,7 @@ private:
         {
             const std::wstring copy = SpoolerCopy(source).wstring();
             const bool ours =
-                source == m_plan.module || source.parent_path() == m_folders.product || recorded.count(copy) != 0;
+                source == m_plan.module || source.parent_path() == m_folders.product || recorded.contains(copy);
             if (!ours && IsFile(copy))
             {
                 foreign.insert(copy);
@@ -206,7 +206,7 @@ private:
     {
         for (const auto& file : RecordedFiles())
         {
-            if (m_files.count(file) == 0)
+            if (!m_files.contains(file))
             {
                 RemoveFile(m_undo, file);
             }
