@@ -26,9 +26,6 @@ void MeasureMerge(Report& report);
 // The device-mode dump and a single log call at a level that is off.
 void MeasureQuietLog(Report& report);
 
-// Lines that do go to the file, against other ways to write them.
-void MeasureLogLines(const Surroundings& surroundings, Report& report);
-
 // What the exported functions ask of the service.
 void CheckServiceCalls(Report& report);
 

@@ -23,7 +23,6 @@ Report MeasureAll()
     MeasureConvert(report);
     MeasureMerge(report);
     MeasureQuietLog(report);
-    MeasureLogLines(surroundings, report);
     CheckServiceCalls(report);
     return report;
 }

@@ -28,18 +28,6 @@ void CopyPrinters(const fs::path& from, const fs::path& to)
 
 } // namespace
 
-ScratchFolder::ScratchFolder()
-    : m_path(fs::temp_directory_path() / (L"tessary-bench-" + std::to_wstring(GetCurrentProcessId())))
-{
-    fs::create_directory(m_path);
-}
-
-ScratchFolder::~ScratchFolder()
-{
-    std::error_code error;
-    fs::remove_all(m_path, error);
-}
-
 Surroundings::Surroundings()
 {
     const fs::path program = ProgramFolder();

@@ -3,30 +3,13 @@
 #define TESSARY_BENCH_SURROUNDINGS_H
 
 #include "bench/registry_value.h"
+#include "bench/scratch_folder.h"
 
 #include <filesystem>
 #include <list>
 
 namespace tsypr::bench
 {
-
-// A folder of our own below the temporary folder, removed with all it holds.
-class ScratchFolder
-{
-public:
-    ScratchFolder();
-    ~ScratchFolder();
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-
-    const std::filesystem::path& Path() const noexcept
-    {
-        return m_path;
-    }
-
-private:
-    std::filesystem::path m_path;
-};
 
 // Sets everything up from the folder of this program, and puts the registry back at the end.
 class Surroundings

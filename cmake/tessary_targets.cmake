@@ -1,6 +1,7 @@
 # Flags that every target of ours shares, and the functions that declare our targets.
 
 set(TESSARY_SANITIZE "" CACHE STRING "Sanitizers of a native build, as -fsanitize= takes them")
+option(TESSARY_FUZZ "Build the fuzz programs, and nothing but them" OFF)
 
 add_library(tessary_flags INTERFACE)
 target_include_directories(tessary_flags INTERFACE ${CMAKE_SOURCE_DIR})
@@ -21,6 +22,9 @@ if(WIN32)
 elseif(TESSARY_SANITIZE)
   add_compile_options(-fsanitize=${TESSARY_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${TESSARY_SANITIZE})
+  if(TESSARY_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+  endif()
 endif()
 
 # Line numbers only: describing every variable takes a third of a build's time.

@@ -7,7 +7,7 @@ packages=(
   # Building
   g++-mingw-w64-x86-64-posix g++ cmake ninja-build git python3
   # Libraries and the test framework
-  nlohmann-json3-dev libcli11-dev libspdlog-dev libfmt-dev googletest
+  nlohmann-json3-dev libcli11-dev libspdlog-dev libfmt-dev googletest libicu-dev icu-devtools dpkg-dev
   # Pictures of the language libraries
   librsvg2-bin imagemagick
   # Printer descriptions for the importer
@@ -15,7 +15,7 @@ packages=(
   # Running Windows programs
   wine64 xvfb fonts-liberation fonts-wine
   # Checking
-  clang clang-tidy clang-format shellcheck
+  clang clang-tidy clang-format libclang-rt-14-dev shellcheck
 )
 
 missing_packages() {

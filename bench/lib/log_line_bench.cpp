@@ -1,6 +1,7 @@
-#include "bench/benches.h"
 #include "bench/compare.h"
-#include "module/log.h"
+#include "bench/lib/benches.h"
+#include "bench/scratch_folder.h"
+#include "lib/log/log.h"
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -39,12 +40,12 @@ public:
 
     void Line() noexcept
     {
-        LogAt(kLogInfo,
-              "%s, VpGetDeviceCapabilities(%d) returned %d with query result %d\n",
-              kFunction,
-              m_index,
-              0,
-              m_index + 5);
+        LogWrite(kLogInfo,
+                 "%s, VpGetDeviceCapabilities(%d) returned %d with query result %d\n",
+                 kFunction,
+                 m_index,
+                 0,
+                 m_index + 5);
         ++m_index;
     }
 
@@ -139,9 +140,10 @@ void AddResult(Report& report, const char* name, const char* other, const Compar
 
 } // namespace
 
-void MeasureLogLines(const Surroundings& surroundings, Report& report)
+void MeasureLogLines(Report& report)
 {
-    const std::filesystem::path& folder = surroundings.Folder();
+    const ScratchFolder scratch;
+    const std::filesystem::path& folder = scratch.Path();
     OurLog ours(folder / L"ours.log");
     OtherLog<spdlog::sinks::basic_file_sink_st> single(folder / L"single.log");
     OtherLog<spdlog::sinks::basic_file_sink_mt> multi(folder / L"multi.log");

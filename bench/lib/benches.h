@@ -1,0 +1,17 @@
+// The single measurements of the base library.
+#ifndef TESSARY_BENCH_LIB_BENCHES_H
+#define TESSARY_BENCH_LIB_BENCHES_H
+
+#include "bench/report.h"
+
+namespace tsypr::bench
+{
+
+// Each adds its results and throws std::runtime_error when something cannot be measured.
+
+// Lines that do go to the file, against other ways to write them.
+void MeasureLogLines(Report& report);
+
+} // namespace tsypr::bench
+
+#endif
