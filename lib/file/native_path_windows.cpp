@@ -76,6 +76,7 @@ SystemError ToNativePath(const char* path, NativePath& native)
     if (wide.starts_with(kVerbatim))
     {
         native = std::move(wide);
+        std::replace(native.begin(), native.end(), L'/', L'\\'); // no name has it
         return 0;
     }
     NativePath complete;

@@ -1,6 +1,7 @@
 #include "lib/file/temporary_file.h"
 
 #include "lib/misc/process.h"
+#include "lib/unicode/utf16.h"
 
 #include <atomic>
 #include <string_view>
@@ -10,33 +11,49 @@ namespace tsypr
 namespace
 {
 
-// Names of 255 units are what the usual file systems take.
+// Names of 255 bytes of UTF-8 are what every file system takes, also one behind a Windows share.
 constexpr size_t kLongestStem = 220;
 constexpr int kMostNames = 100;
 constexpr std::string_view kEnding = ".tmp";
 
 constinit std::atomic<uint32_t> g_counter{0};
 
-bool IsContinuationUnit(NativeChar unit) noexcept
+bool IsContinuation(NativeChar unit) noexcept
 {
     const auto value = static_cast<uint32_t>(unit);
 #ifdef _WIN32
-    return value >= 0xDC00 && value <= 0xDFFF;
+    return IsLowSurrogate(value);
 #else
     return (value & 0xC0) == 0x80;
 #endif
 }
 
+// How much a unit of a name adds to its length as UTF-8.
+size_t Utf8Bytes(NativeChar unit) noexcept
+{
+#ifdef _WIN32
+    const auto value = static_cast<uint32_t>(unit);
+    const bool half = IsHighSurrogate(value) || IsLowSurrogate(value);
+    return value < 0x80 ? 1 : value < 0x800 || half ? 2 : 3;
+#else
+    return sizeof(unit);
+#endif
+}
+
 NativePath StemOf(const NativePath& name)
 {
-    size_t length = name.size();
-    if (length > kLongestStem)
+    size_t bytes = 0;
+    size_t cut = 0; // the last place where it might end
+    for (size_t at = 0; at < name.size(); ++at)
     {
-        for (length = kLongestStem; length != 0 && IsContinuationUnit(name[length]); --length)
+        cut = IsContinuation(name[at]) ? cut : at;
+        bytes += Utf8Bytes(name[at]);
+        if (bytes > kLongestStem)
         {
+            return name.substr(0, cut);
         }
     }
-    return name.substr(0, length);
+    return name;
 }
 
 NativePath TemporaryName(const NativePath& stem, uint32_t number)

@@ -128,7 +128,7 @@ TEST(ReplaceFileContents, ReadersSeeWholeContentsOnly)
     int failed = 0;
     for (int number = 1; number <= kReplacements; ++number)
     {
-        failed += ReplaceFileContents(path.c_str(), contents(number), {1, 10, 10'000}).Ok() ? 0 : 1;
+        failed += ReplaceFileContents(path.c_str(), contents(number), {1, 2, 10'000}).Ok() ? 0 : 1;
     }
     done = true;
     for (std::thread& thread : threads)
