@@ -60,7 +60,6 @@ TEST(Retries, SucceedOrEndWithTheTime)
         ASSERT_EQ(Create(a, "a"), FileError::None);
         FileFaultPlan plan;
         plan.Fail(test.step, busy, 1, FileFaultPlan::kAlways);
-        const auto start = std::chrono::steady_clock::now();
         FileResult result = test.run({1, 4, 15});
         EXPECT_EQ(result.error, FileError::InUse);
         EXPECT_EQ(result.systemError, busy);
@@ -68,13 +67,12 @@ TEST(Retries, SucceedOrEndWithTheTime)
         EXPECT_GE(result.retries, 2U);
         EXPECT_LE(result.retries, 15U);
         EXPECT_GE(result.elapsedMs, 15U);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+        EXPECT_LT(result.elapsedMs, 5000U);
         result = test.run(kNoRetry);
         EXPECT_EQ(result.error, FileError::InUse);
         EXPECT_EQ(result.retries, 0U);
         EXPECT_EQ(result.elapsedMs, 0U);
     }
-    number = 0;
     for (const Retried& test : cases)
     {
         SCOPED_TRACE(number++);
@@ -106,59 +104,38 @@ TEST(Retries, WhatDoesNotPassIsNotRetried)
 }
 
 #ifdef _WIN32
-class HeldFile
-{
-public:
-    HeldFile(const std::string& path, DWORD access, DWORD share)
-        : m_handle(
-              CreateFileW(std::filesystem::u8path(path).c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr))
-    {
-        EXPECT_NE(m_handle, INVALID_HANDLE_VALUE);
-    }
-    ~HeldFile()
-    {
-        CloseHandle(m_handle);
-    }
-    HeldFile(const HeldFile&) = delete;
-    HeldFile& operator=(const HeldFile&) = delete;
-
-private:
-    const HANDLE m_handle;
-};
-
 TEST(Retries, FilesThatOthersHoldOpen)
 {
     const ScratchFolder scratch("held");
-    const std::string path = Utf8(scratch / "file");
-    const auto replace = [&](const RetryPolicy& retry) { return ReplaceFileContents(path.c_str(), "new", retry); };
-    const auto read = [&](const RetryPolicy& retry)
-    {
-        std::string contents;
-        return ReadFileContents(path.c_str(), 100, contents, retry);
+    const std::filesystem::path name = scratch / "file";
+    const std::string path = Utf8(name);
+    const std::function<FileResult(const RetryPolicy&)> operations[] = {
+        [&](const RetryPolicy& retry) { return ReplaceFileContents(path.c_str(), "new", retry); },
+        [&](const RetryPolicy& retry)
+        {
+            std::string contents;
+            return ReadFileContents(path.c_str(), 100, contents, retry);
+        },
+        [&](const RetryPolicy& retry) { return RemoveFile(path.c_str(), retry); },
     };
-    const auto remove = [&](const RetryPolicy& retry) { return RemoveFile(path.c_str(), retry); };
-    const std::function<FileResult(const RetryPolicy&)> operations[] = {replace, read, remove};
     int number = 0;
     for (const auto& operation : operations)
     {
         SCOPED_TRACE(number++);
         ASSERT_EQ(Create(path, "old"), FileError::None);
-        {
-            const HeldFile held(path, GENERIC_READ, 0);
-            const FileResult result = operation({1, 10, 40});
-            EXPECT_TRUE(result.error == FileError::InUse || result.error == FileError::AccessDenied);
-            EXPECT_GE(result.elapsedMs, 40U);
-            EXPECT_GE(result.retries, 3U);
-        }
-        EXPECT_EQ(Contents(path), "old");
-        auto held = std::make_unique<HeldFile>(path, GENERIC_READ, 0);
+        const HANDLE held = CreateFileW(name.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        ASSERT_NE(held, INVALID_HANDLE_VALUE);
+        FileResult result = operation({1, 10, 40});
+        EXPECT_TRUE(result.error == FileError::InUse || result.error == FileError::AccessDenied);
+        EXPECT_GE(result.elapsedMs, 40U);
+        EXPECT_GE(result.retries, 3U);
         std::thread releasing(
-            [&held]
+            [held]
             {
                 std::this_thread::sleep_for(std::chrono::milliseconds(50));
-                held.reset();
+                CloseHandle(held);
             });
-        const FileResult result = operation({1, 10, 10'000});
+        result = operation({1, 10, 10'000});
         EXPECT_TRUE(result.Ok());
         EXPECT_GE(result.retries, 1U);
         EXPECT_TRUE(result.lastRetriedError == ERROR_SHARING_VIOLATION ||
