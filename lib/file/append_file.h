@@ -16,11 +16,13 @@ public:
     AppendFile& operator=(const AppendFile&) = delete;
 
     // Opens or creates the file for appending, others may read, append, rename or delete it meanwhile. A missing parent
-    // folder is created, one level deep. Returns false, with nothing open, when that is not possible or `path` is null.
+    // folder is created, one level deep. Returns false, with nothing open, when that is not possible or `path` is null,
+    // empty or ill-formed.
     bool Open(const char* path) noexcept;
 
     // Appends the bytes with one call to the system, so that they survive the end of this process. Returns whether all
-    // of them were taken; false when nothing is open.
+    // of them were taken; false when nothing is open, `bytes` is null, or the disk is full, when a part of them may
+    // have been taken.
     bool Append(const char* bytes, size_t length) noexcept;
 
     bool IsOpen() const noexcept
