@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building and testing need on Debian 12, builds ICU for Windows and makes the Wine prefixes. Quick when all is there.
+# Installs what building and testing need on Debian 12, builds ICU for Windows and makes the Wine prefixes. Quick when
+# all is there.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 
