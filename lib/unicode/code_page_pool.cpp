@@ -35,6 +35,18 @@ void Close(UConverter* converter) noexcept
     }
 }
 
+// ICU's own callback for stopping does not stop at characters that are usually invisible, such as a soft hyphen: it
+// drops them. This leaves every error as it is.
+void StopAtEach(const void*,
+                UConverterFromUnicodeArgs*,
+                const UChar*,
+                int32_t,
+                UChar32,
+                UConverterCallbackReason,
+                UErrorCode*) noexcept
+{
+}
+
 UConverter* Open(const char* icuName, CodeSetStatus& status) noexcept
 {
     UErrorCode error = U_ZERO_ERROR;
@@ -42,7 +54,7 @@ UConverter* Open(const char* icuName, CodeSetStatus& status) noexcept
     if (U_SUCCESS(error))
     {
         ucnv_setToUCallBack(converter, UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
-        ucnv_setFromUCallBack(converter, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+        ucnv_setFromUCallBack(converter, StopAtEach, nullptr, nullptr, nullptr, &error);
         ucnv_setFallback(converter, 0); // no similar characters
     }
     if (U_FAILURE(error))

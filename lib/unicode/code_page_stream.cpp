@@ -1,5 +1,6 @@
 #include "lib/unicode/code_page_stream.h"
 
+#include "lib/unicode/code_page_932.h"
 #include "lib/unicode/utf_piece.h"
 
 #include <unicode/ucnv.h>
@@ -37,24 +38,32 @@ UErrorCode Step(
     return error;
 }
 
-// How many units lie between the beginning of the bad part at which the converter stopped and what it reads next: the
-// part itself, and units behind it that it has taken already and will look at again.
-size_t UnitsSinceBad(UConverter* converter, const char*)
+// What the converter stopped at.
+struct BadPart
+{
+    size_t unitsSince; // from the part's beginning to what is read next: the part itself, and units behind it that have
+                       // been taken already and will be looked at again
+    char asciiBehind;  // the letter that stood as the second of two bytes without meaning together, or NUL
+};
+
+BadPart MeasureBad(UConverter* converter, const char*)
 {
     UErrorCode error = U_ZERO_ERROR;
     char bytes[32];
     int8_t length = sizeof(bytes);
     ucnv_getInvalidChars(converter, bytes, &length, &error);
-    return static_cast<size_t>(length) + static_cast<size_t>(ucnv_toUCountPending(converter, &error));
+    const bool letter = length == 2 && bytes[1] >= 0x20 && bytes[1] < 0x7F;
+    return {static_cast<size_t>(length) + static_cast<size_t>(ucnv_toUCountPending(converter, &error)),
+            letter ? bytes[1] : '\0'};
 }
 
-size_t UnitsSinceBad(UConverter* converter, const Utf16Unit*)
+BadPart MeasureBad(UConverter* converter, const Utf16Unit*)
 {
     UErrorCode error = U_ZERO_ERROR;
     UChar units[32];
-    int8_t length = static_cast<int8_t>(std::size(units));
+    auto length = static_cast<int8_t>(std::size(units));
     ucnv_getInvalidUChars(converter, units, &length, &error);
-    return static_cast<size_t>(length) + static_cast<size_t>(ucnv_fromUCountPending(converter, &error));
+    return {static_cast<size_t>(length) + static_cast<size_t>(ucnv_fromUCountPending(converter, &error)), '\0'};
 }
 
 // What the converter's error means for the text; Ok: the output is full.
@@ -79,7 +88,7 @@ CodeSetStatus StatusOf(UErrorCode error, bool decoding)
 
 template <class From, class To>
 CodePageStream<From, To>::CodePageStream(unsigned page, CodeSetMode mode) noexcept
-    : m_mode(mode), m_utf8(mode), m_converter(page)
+    : m_page(page), m_mode(mode), m_utf8(mode), m_converter(page)
 {
     m_result.status = m_converter.Status();
 }
@@ -92,6 +101,11 @@ void CodePageStream<From, To>::ConvertAll(std::basic_string_view<From> piece, st
     constexpr size_t kBlock = size_t{1} << 20; // ICU counts with 32 bits
     constexpr size_t kUsual = kDecoding ? 1 : 2;
     constexpr From kNothing[1] = {};
+    std::basic_string<From> room;
+    if (m_page == 932)
+    {
+        piece = cp932::Substituted(piece, room);
+    }
     const From* from = piece.empty() ? kNothing : piece.data();
     const From* const begin = from;
     const From* const end = from + piece.size();
@@ -111,12 +125,13 @@ void CodePageStream<From, To>::ConvertAll(std::basic_string_view<From> piece, st
         }
         if (bad != CodeSetStatus::Ok)
         {
-            const size_t offset = m_offset + static_cast<size_t>(from - begin) - UnitsSinceBad(m_converter.Get(), from);
-            if (!utf::NoteBad(course, bad, offset))
+            const BadPart part = MeasureBad(m_converter.Get(), from);
+            if (!NoteBad(course, bad, m_offset + static_cast<size_t>(from - begin) - part.unitsSince))
             {
                 break;
             }
-            output.Wrote(utf::Put(course.replacement, output.Room(1, 0)));
+            to = utf::Put(course.replacement, output.Room(2, 0));
+            output.Wrote(part.asciiBehind == '\0' ? to : utf::Put(static_cast<uint32_t>(part.asciiBehind), to));
         }
     } while (from != end || U_FAILURE(error));
     m_offset += piece.size();

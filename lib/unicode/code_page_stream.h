@@ -28,6 +28,7 @@ private:
     void Convert(std::basic_string_view<From> piece, std::basic_string<To>& out, bool last) noexcept;
     void ConvertAll(std::basic_string_view<From> piece, std::basic_string<To>& out, bool last);
 
+    unsigned m_page;
     CodeSetMode m_mode;
     UtfStream<From, To> m_utf8; // used for UTF-8 alone
     PooledConverter m_converter;

@@ -1,5 +1,6 @@
 #include "lib/unicode/code_page.h"
 #include "lib/unicode/process_code_page.h"
+#include "lib/unicode/system_code_page_windows.h"
 #include "lib/unicode/through_utf16.h"
 
 #include <windows.h>
@@ -104,7 +105,8 @@ void Walk(UINT page,
 
 // `whole` converts a text all of which can be converted, `one` a character.
 template <class From, class To, size_t kRoom>
-CodeSetResult Convert(std::basic_string_view<From> text,
+CodeSetResult Convert(UINT page,
+                      std::basic_string_view<From> text,
                       std::basic_string<To>& out,
                       utf::Course course,
                       size_t (*whole)(UINT, std::basic_string_view<From>, To*, size_t),
@@ -117,7 +119,6 @@ CodeSetResult Convert(std::basic_string_view<From> text,
     }
     try
     {
-        const UINT page = GetACP();
         out.resize(text.size() * 2);
         out.resize(text.empty() ? 0 : whole(page, text, out.data(), out.size()));
         if (out.empty())
@@ -134,6 +135,24 @@ CodeSetResult Convert(std::basic_string_view<From> text,
 
 } // namespace
 
+CodeSetResult SystemPageToUtf16(unsigned page, std::string_view text, Utf16String& out, CodeSetMode mode) noexcept
+{
+    if (page == kCodePageUtf8)
+    {
+        return CodeSet_Utf8ToUtf16(text, out, mode);
+    }
+    return Convert(page, text, out, {mode}, Decode, DecodeOne);
+}
+
+CodeSetResult Utf16ToSystemPage(unsigned page, Utf16View text, std::string& out, CodeSetMode mode) noexcept
+{
+    if (page == kCodePageUtf8)
+    {
+        return CodeSet_Utf16ToUtf8(text, out, mode);
+    }
+    return Convert(page, text, out, {mode, '?'}, Encode, EncodeOne);
+}
+
 unsigned CodeSet_ProcessPage() noexcept
 {
     return GetACP();
@@ -141,20 +160,12 @@ unsigned CodeSet_ProcessPage() noexcept
 
 CodeSetResult CodeSet_ProcessToUtf16(std::string_view text, Utf16String& out, CodeSetMode mode) noexcept
 {
-    if (GetACP() == kCodePageUtf8)
-    {
-        return CodeSet_Utf8ToUtf16(text, out, mode);
-    }
-    return Convert(text, out, {mode}, Decode, DecodeOne);
+    return SystemPageToUtf16(GetACP(), text, out, mode);
 }
 
 CodeSetResult CodeSet_Utf16ToProcess(Utf16View text, std::string& out, CodeSetMode mode) noexcept
 {
-    if (GetACP() == kCodePageUtf8)
-    {
-        return CodeSet_Utf16ToUtf8(text, out, mode);
-    }
-    return Convert(text, out, {mode, '?'}, Encode, EncodeOne);
+    return Utf16ToSystemPage(GetACP(), text, out, mode);
 }
 
 CodeSetResult CodeSet_ProcessToUtf8(std::string_view text, std::string& out, CodeSetMode mode) noexcept
