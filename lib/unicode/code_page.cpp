@@ -103,13 +103,7 @@ template <class From, class To>
 CodeSetResult Convert(unsigned page, std::basic_string_view<From> text, std::basic_string<To>& out, CodeSetMode mode)
 {
     out.clear();
-    CodePageStream<From, To> stream(page, mode);
-    CodeSetResult result = stream.Append(text, out);
-    if (result.Ok())
-    {
-        result = stream.Finish(out);
-    }
-    return utf::Finished(result, out);
+    return utf::Finished(CodePageStream<From, To>(page, mode).AppendLast(text, out), out);
 }
 
 } // namespace

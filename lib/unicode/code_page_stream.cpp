@@ -176,17 +176,28 @@ CodeSetResult CodePageStream<From, To>::Append(std::basic_string_view<From> piec
 template <class From, class To>
 CodeSetResult CodePageStream<From, To>::Finish(std::basic_string<To>& out) noexcept
 {
+    return AppendLast({}, out);
+}
+
+template <class From, class To>
+CodeSetResult CodePageStream<From, To>::AppendLast(std::basic_string_view<From> piece,
+                                                   std::basic_string<To>& out) noexcept
+{
     if (m_converter.Status() != CodeSetStatus::Ok)
     {
         return m_result;
     }
     if (m_converter.Get() == nullptr)
     {
-        return m_utf8.Finish(out);
+        const size_t before = out.size();
+        m_utf8.Append(piece, out);
+        const CodeSetResult result = m_utf8.Finish(out);
+        out.resize(result.Ok() ? out.size() : before);
+        return result;
     }
     if (m_result.Ok())
     {
-        Convert({}, out, true);
+        Convert(piece, out, true);
     }
     ucnv_reset(m_converter.Get());
     m_offset = 0;

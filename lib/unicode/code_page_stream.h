@@ -24,6 +24,9 @@ public:
     // Ends the text, with Incomplete or a replacement for a start that is left over. Ready for another text then.
     CodeSetResult Finish(std::basic_string<To>& out) noexcept;
 
+    // Append and Finish at once.
+    CodeSetResult AppendLast(std::basic_string_view<From> piece, std::basic_string<To>& out) noexcept;
+
 private:
     void Convert(std::basic_string_view<From> piece, std::basic_string<To>& out, bool last) noexcept;
     void ConvertAll(std::basic_string_view<From> piece, std::basic_string<To>& out, bool last);
