@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building and testing need on Debian 12, and makes the Wine prefixes. Quick when all is there.
+# Installs what building and testing need on Debian 12, builds ICU for Windows and makes the Wine prefixes. Quick when
+# all is there.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 
@@ -41,13 +42,14 @@ make_prefix() {
   scripts/wine-prefix.sh "$prefixes/base" || { cat "$prefixes/base/setup.log"; return 1; }
 }
 
-step_total=3
+step_total=4
 mapfile -t missing < <(missing_packages)
 if [ "${#missing[@]}" -eq 0 ]; then
   step setup-packages "packages (all installed)" true
 else
   step setup-packages "installing ${#missing[@]} packages" install_packages "${missing[@]}"
 fi
+step setup-icu "ICU's converters for Windows" scripts/icu.sh
 step setup-prefix "Wine prefix" make_prefix
 if [ -e "$prefixes/test/.ready" ]; then
   step setup-test-prefix "Wine prefix of the tests" true

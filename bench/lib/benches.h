@@ -12,6 +12,9 @@ namespace tsypr::bench
 // Lines that do go to the file, against other ways to write them.
 void MeasureLogLines(Report& report);
 
+// Texts between encodings, against ICU called directly and against Windows' own functions.
+void MeasureCodeSets(Report& report);
+
 } // namespace tsypr::bench
 
 #endif

@@ -22,6 +22,7 @@ struct Bench
 
 constexpr Bench kBenches[] = {
     {"log", MeasureLogLines},
+    {"codeset", MeasureCodeSets},
 };
 
 struct Options
