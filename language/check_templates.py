@@ -27,7 +27,8 @@ NO_IDENTIFIER = 0xFFFFFFFF
 RESERVED_KEYS = {"de_de_407": "AB"}
 USUALLY_RESERVED_KEYS = "A"
 
-DS_SHELLFONT, WS_CHILD, WS_VISIBLE, WS_DISABLED, WS_GROUP, WS_TABSTOP = 0x48, 1 << 30, 1 << 28, 1 << 27, 1 << 17, 1 << 16
+DS_SHELLFONT = 0x48
+WS_CHILD, WS_VISIBLE, WS_DISABLED, WS_GROUP, WS_TABSTOP = 1 << 30, 1 << 28, 1 << 27, 1 << 17, 1 << 16
 CLOSED_LIST_HEIGHT = 14
 HEIGHTS = {"list": 14, "number": 14, "button": 14, "radio": 10, "check": 10, "spin": 14}
 LABELLED = ("list", "number")
