@@ -14,7 +14,7 @@ packages=(
   # Printer descriptions for the importer
   libcups2-dev openprinting-ppds
   # Running Windows programs
-  wine64 xvfb fonts-liberation fonts-wine
+  wine64 xvfb fonts-liberation fonts-wine fonts-wqy-microhei
   # Checking
   clang clang-tidy clang-format libclang-rt-14-dev shellcheck
 )
