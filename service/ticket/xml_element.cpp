@@ -12,10 +12,11 @@ const XmlAttribute* XmlElement::FindAttribute(const QName& name) const
     return found == attributes.end() ? nullptr : &*found;
 }
 
-std::optional<QName> XmlElement::Name() const
+const std::optional<QName>& XmlElement::Name() const
 {
+    static const std::optional<QName> kNone;
     const XmlAttribute* name = FindAttribute({"", "name"});
-    return name == nullptr ? std::nullopt : name->qualified;
+    return name == nullptr ? kNone : name->qualified;
 }
 
 bool XmlElement::IsNamed(const QName& tagName, const QName& name) const

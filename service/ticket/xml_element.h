@@ -47,7 +47,7 @@ struct XmlElement
     const XmlAttribute* FindAttribute(const QName& name) const;
 
     // The value of the attribute `name`, resolved; nothing when it is missing or its prefix is not declared.
-    std::optional<QName> Name() const;
+    const std::optional<QName>& Name() const;
 
     bool IsNamed(const QName& tagName, const QName& name) const;
 
