@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
-# Checks sources and built files without running the tests: lint.sh [--changed]
-# --changed limits clang-tidy, the slow part, to what differs from the last commit. Every check runs, whatever failed
-# before it; the status is non-zero unless all passed.
+# Checks sources and built files without running the tests: lint.sh [--changed | --all]
+# clang-tidy, the slow part, looks at the code that runs in users' processes; with --all also at tools, tests and
+# benchmarks, with --changed only at what differs from the last commit. Every check runs, whatever failed before it; the
+# status is non-zero unless all passed.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 
 tidy=()
 while [ $# -gt 0 ]; do
   case $1 in
-    --changed) tidy=(--changed) ;;
-    *) die "unknown argument $1 (lint.sh [--changed])" ;;
+    --changed | --all) tidy=("$1") ;;
+    *) die "unknown argument $1 (lint.sh [--changed | --all])" ;;
   esac
   shift
 done
