@@ -4,11 +4,11 @@
 #include "module/malloc_ptr.h"
 #include "remote/devmode_dump.h"
 #include "remote/devmode_fetch.h"
-#include "remote/devmode_header_keeper.h"
 #include "remote/devmode_merge.h"
 #include "remote/printer_name.h"
 #include "remote/private_devmode.h"
 #include "ui/document_property_header.h"
+#include "ui/sheet_flow.h"
 
 #include <winspool.h>
 
@@ -16,8 +16,6 @@ namespace tsypr
 {
 namespace
 {
-
-constexpr char kFunction[] = "DrvDocumentPropertySheets";
 
 using PrinterName = wchar_t[kPrinterNameChars];
 
@@ -33,17 +31,17 @@ bool NameFromHandle(HANDLE printer, PrinterName& name) noexcept
     GetPrinterW(printer, 4, nullptr, 0, &needed);
     if (needed == 0)
     {
-        LogError("%s, failed to get printer info size from handle 0x%x.\n", kFunction, HandleNumber(printer));
+        LogError("%s, failed to get printer info size from handle 0x%x.\n", kSheetFunction, HandleNumber(printer));
         return false;
     }
     const MallocPtr<BYTE> buffer(static_cast<BYTE*>(std::malloc(needed)));
     if (buffer == nullptr || GetPrinterW(printer, 4, buffer.get(), needed, &needed) == FALSE)
     {
-        LogError("%s, failed to get printer name from handle 0x%x.\n", kFunction, HandleNumber(printer));
+        LogError("%s, failed to get printer name from handle 0x%x.\n", kSheetFunction, HandleNumber(printer));
         return false;
     }
     const wchar_t* printerName = reinterpret_cast<const PRINTER_INFO_4W*>(buffer.get())->pPrinterName;
-    LogVerbose("%s, obtained printer name %S from handle 0x%x.\n", kFunction, printerName, HandleNumber(printer));
+    LogVerbose("%s, obtained printer name %S from handle 0x%x.\n", kSheetFunction, printerName, HandleNumber(printer));
     NormalizePrinterName(name, printerName);
     return true;
 }
@@ -52,21 +50,12 @@ bool NameFromHeader(const DOCUMENTPROPERTYHEADER& header, PrinterName& name) noe
 {
     if (header.pszPrinterName == nullptr || *header.pszPrinterName == L'\0')
     {
-        LogError("%s, failed to get printer name.\n", kFunction);
+        LogError("%s, failed to get printer name.\n", kSheetFunction);
         return false;
     }
-    LogVerbose("%s, prop hdr's printer name is %S.\n", kFunction, header.pszPrinterName);
+    LogVerbose("%s, prop hdr's printer name is %S.\n", kSheetFunction, header.pszPrinterName);
     NormalizePrinterName(name, header.pszPrinterName);
     return true;
-}
-
-void StorePrinterName(DEVMODEW* devMode, const PrinterName& name) noexcept
-{
-    if (PrivateDevMode* block = GetPrivateDevMode(devMode))
-    {
-        const DevModeHeaderKeeper keeper(devMode);
-        block->printerName.Write(name);
-    }
 }
 
 // The spooler wants the size of the printer's device mode, or a merged copy of it.
@@ -82,7 +71,7 @@ LONG AnswerWithoutUI(DOCUMENTPROPERTYHEADER& header) noexcept
     const SharedDevMode fetched = GetDevModeByVPrinterName(name);
     if (fetched == nullptr)
     {
-        LogError("%s, failed to retrieve devmode for printer %S\n", kFunction, name);
+        LogError("%s, failed to retrieve devmode for printer %S\n", kSheetFunction, name);
         return 0;
     }
     if (header.fMode == 0 || header.pdmOut == nullptr)
@@ -110,11 +99,18 @@ LONG WINAPI DrvDocumentPropertySheets(PPROPSHEETUI_INFO pPSUIInfo, LPARAM lParam
         auto* header = reinterpret_cast<DOCUMENTPROPERTYHEADER*>(lParam);
         return header != nullptr ? tsypr::AnswerWithoutUI(*header) : 0;
     }
-    if (pPSUIInfo->Reason == PROPSHEETUI_REASON_INIT)
+    switch (pPSUIInfo->Reason)
     {
-        // The driver has no pages, so a sheet cannot be opened.
-        tsypr::LogError("%s, there are no property pages.\n", tsypr::kFunction);
-        return 0;
+    case PROPSHEETUI_REASON_INIT:
+        return tsypr::OpenSheet(*pPSUIInfo);
+    case PROPSHEETUI_REASON_DESTROY:
+        return tsypr::CloseSheet(*pPSUIInfo);
+    case PROPSHEETUI_REASON_SET_RESULT:
+    {
+        const auto* result = reinterpret_cast<const SETRESULT_INFO*>(lParam);
+        return result != nullptr ? tsypr::TakeResult(*pPSUIInfo, *result) : 1;
     }
-    return 1;
+    default:
+        return 1; // among others the sheet's title, which the system's own serves
+    }
 }

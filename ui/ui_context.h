@@ -52,6 +52,10 @@ struct UIContext
     WatermarkBlock watermark;
 };
 
+// Loads the settings of the device mode into the context, whose printer name and callbacks are set already. When the
+// printer has N-up or finishing, its options are fetched first, which waits for the service.
+void InitUIContext(UIContext* context, DEVMODEW* dm) noexcept;
+
 } // namespace tsypr
 
 #endif

@@ -1,0 +1,22 @@
+// The driver of the printer whose property sheet was opened last.
+#ifndef TESSARY_UI_DRIVER_NAME_H
+#define TESSARY_UI_DRIVER_NAME_H
+
+#include <string>
+
+namespace tsypr
+{
+
+inline constexpr wchar_t kOwnDriverName[] = L"Tessary Universal EMF Driver";
+
+// Replaces the name, which is one for the whole process.
+void SetCurrentDriverName(std::wstring name) noexcept;
+
+std::wstring CurrentDriverName();
+
+// Whether the name is this driver's own, character by character: only then are its private settings offered.
+bool IsOwnDriver() noexcept;
+
+} // namespace tsypr
+
+#endif
