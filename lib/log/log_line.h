@@ -4,13 +4,18 @@
 
 #include "lib/string/text_buffer.h"
 
+#include <cstdint>
 #include <string_view>
 
 namespace tsypr
 {
 
-// Appends "2024-03-05 14:15:02.007Z error 4312:5120 " with the present time, the level, the process and the thread.
-void AppendLinePrefix(TextBuffer& line, std::string_view levelName) noexcept;
+// The name of a level between kLogAudit and kLogDebug1.
+std::string_view LogLevelName(int level) noexcept;
+
+// Appends "2024-03-05 14:15:02.007Z error 4312:5120 " with the given time, in milliseconds since 1970, the level, the
+// process and the thread.
+void AppendLinePrefix(TextBuffer& line, int level, int64_t now) noexcept;
 
 } // namespace tsypr
 
