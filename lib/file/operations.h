@@ -66,7 +66,7 @@ FileResult RemoveDirectoryTree(const char* path, const RetryPolicy& retry = {}) 
 FileResult ListDirectory(const char* path, std::vector<DirectoryEntry>& entries) noexcept;
 
 // Bytes that this user may still write on the volume of the path.
-FileResult GetFreeSpace(const char* path, uint64_t& bytes) noexcept;
+FileResult GetFreeDiskSpace(const char* path, uint64_t& bytes) noexcept;
 
 } // namespace tsypr
 
