@@ -31,6 +31,7 @@ public:
         Dictionary settings;
         settings.Set(kLogFileLevelKey, "info");
         settings.Set(kLogFileNameKey, file.string());
+        settings.Set(kLogOwnFileKey, "1"); // as the module's file is, and the other logger's
         if (!LogStart("bench", settings))
         {
             throw std::runtime_error("the log did not start");

@@ -49,19 +49,27 @@ std::string_view LogLevelName(int level) noexcept
 
 void AppendLinePrefix(TextBuffer& line, int level, int64_t now) noexcept
 {
+    constexpr size_t kMostDigits = 10;
     char prefix[80]; // all of it has at most 55 characters
-    char* const end = std::end(prefix);
     char* place = WriteTime(prefix, now);
     *place++ = ' ';
     const std::string_view name = LogLevelName(level);
     std::memcpy(place, name.data(), name.size());
     place += name.size();
     *place++ = ' ';
-    place = std::to_chars(place, end, CurrentProcessId()).ptr;
+    place = std::to_chars(place, place + kMostDigits, CurrentProcessId()).ptr;
     *place++ = ':';
-    place = std::to_chars(place, end, CurrentThreadId()).ptr;
+    place = std::to_chars(place, place + kMostDigits, CurrentThreadId()).ptr;
     *place++ = ' ';
     line.Append(prefix, static_cast<size_t>(place - prefix));
+}
+
+void AppendFormat(TextBuffer& line, const char* format, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, format);
+    FormatTo(line, format, arguments);
+    va_end(arguments);
 }
 
 } // namespace tsypr

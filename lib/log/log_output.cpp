@@ -5,6 +5,7 @@
 #include "lib/log/log_line.h"
 #include "lib/log/log_retention.h"
 #include "lib/log/log_rotation.h"
+#include "lib/misc/clock.h"
 
 #include <algorithm>
 
@@ -13,19 +14,11 @@ namespace tsypr
 namespace
 {
 
-constexpr int64_t kLookMs = 1000;          // how long a file that was renamed away is still written to, at most
-constexpr int64_t kRetryMs = 1000;         // between attempts to write when that failed
-constexpr int64_t kRotationRetryMs = 1000; // when a rotation failed, at first,
+constexpr int64_t kLookMs = 1000;           // how long a file that was renamed away is still written to, at most
+constexpr int64_t kRetryMs = 1000;          // between attempts to write when that failed
+constexpr int64_t kRotationRetryMs = 1000;  // when a rotation failed, at first,
 constexpr int64_t kRotationMostMs = 60'000; // and at most
-constexpr int64_t kRotationBusyMs = 20;    // when another process is about to rotate
-
-void AppendText(TextBuffer& line, const char* format, ...) noexcept
-{
-    va_list arguments;
-    va_start(arguments, format);
-    FormatTo(line, format, arguments);
-    va_end(arguments);
-}
+constexpr int64_t kRotationBusyMs = 20;     // when another process is about to rotate
 
 } // namespace
 
@@ -198,7 +191,7 @@ bool LogOutput::ReportLost(int64_t now) noexcept
     }
     TextBuffer line;
     AppendLinePrefix(line, kLogWarning, now);
-    AppendText(line, "LogWrite, %llu lines were lost.\n", static_cast<unsigned long long>(m_lost));
+    AppendFormat(line, "LogWrite, %llu lines were lost.\n", static_cast<unsigned long long>(m_lost));
     const bool done = Append(line.View());
     m_lost = done ? 0 : m_lost;
     return done;

@@ -23,8 +23,8 @@ public:
     LogOutput(const LogOutput&) = delete;
     LogOutput& operator=(const LogOutput&) = delete;
 
-    // Appends the line, which ends with a line break, in one write. Before that the file is rotated when it is full, and
-    // opened again when another process has put a new one in its place.
+    // Appends the line, which ends with a line break, in one write. Before that the file is rotated when it is full,
+    // and opened again when another process has put a new one in its place.
     void Write(std::string_view line, int64_t now) noexcept;
 
     // Nothing but the write: for the last thread of a process, which may have stopped another one in here.
@@ -76,12 +76,12 @@ private:
     const uint32_t m_keepRotated;
 
     AppendFile m_file;
-    uint64_t m_size = 0;     // what we know of the file's size; others may have appended meanwhile
-    uint64_t m_unseen = 0;   // what we appended since we last asked for it
+    uint64_t m_size = 0;      // what we know of the file's size; others may have appended meanwhile
+    uint64_t m_unseen = 0;    // what we appended since we last asked for it
     uint64_t m_sinceLook = 0; // lines since the file was last seen in its place
-    uint64_t m_lost = 0;     // lines that could not be written
-    bool m_torn = false;     // the file ends with a part of a line
-    bool m_failing = false;  // the last attempt to open or write failed
+    uint64_t m_lost = 0;      // lines that could not be written
+    bool m_torn = false;      // the file ends with a part of a line
+    bool m_failing = false;   // the last attempt to open or write failed
     int64_t m_rotationPause = 0;
     Pause m_nextLook;
     Pause m_nextTry;
