@@ -3,6 +3,7 @@
 #include "lib/file/temporary_file.h"
 
 #include <memory>
+#include <utility>
 
 namespace tsypr
 {
@@ -17,13 +18,18 @@ public:
     OpenedFile() = default;
     ~OpenedFile()
     {
-        if (handle != kNoFile)
-        {
-            sys::Close(handle);
-        }
+        Close();
     }
     OpenedFile(const OpenedFile&) = delete;
     OpenedFile& operator=(const OpenedFile&) = delete;
+
+    void Close() noexcept
+    {
+        if (handle != kNoFile)
+        {
+            sys::Close(std::exchange(handle, kNoFile));
+        }
+    }
 
     FileHandle handle = kNoFile;
 };
@@ -46,27 +52,6 @@ SystemError CopyBytes(FileHandle from, TemporaryFile& to)
     }
 }
 
-// What stands at the target must not be in the way.
-SystemError CheckTarget(const NativePath& to, bool overwrite, bool& exists)
-{
-    FileStatus status;
-    const SystemError error = sys::Status(to, status);
-    exists = error == 0;
-    if (!exists)
-    {
-        return ToFileError(error) == FileError::NotFound ? 0 : error;
-    }
-    if (!overwrite)
-    {
-        return ToSystemError(FileError::AlreadyExists);
-    }
-    if (status.kind == FileKind::Directory)
-    {
-        return ToSystemError(FileError::IsADirectory);
-    }
-    return status.readOnly ? ToSystemError(FileError::AccessDenied) : 0;
-}
-
 SystemError Copy(const NativePath& from, NativePath to, bool overwrite, Retrier& retrier)
 {
     OpenedFile source;
@@ -79,7 +64,11 @@ SystemError Copy(const NativePath& from, NativePath to, bool overwrite, Retrier&
     }
     if (error == 0)
     {
-        error = retrier.Run(to, [&] { return CheckTarget(to, overwrite, exists); });
+        error = retrier.Run(to, [&] { return CheckReplaceable(to, exists); });
+    }
+    if (exists && !overwrite)
+    {
+        error = ToSystemError(FileError::AlreadyExists);
     }
     if (error != 0)
     {
@@ -95,6 +84,7 @@ SystemError Copy(const NativePath& from, NativePath to, bool overwrite, Retrier&
     {
         error = sys::CopyTimes(source.handle, target.Handle());
     }
+    source.Close(); // it may be the target as well
     return error == 0 ? target.Commit(overwrite) : error;
 }
 

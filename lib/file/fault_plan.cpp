@@ -1,5 +1,7 @@
 #include "lib/file/fault_plan.h"
 
+#include "lib/file/system_file.h"
+
 #include <algorithm>
 
 namespace tsypr
@@ -45,6 +47,11 @@ void FileFaultPlan::Fail(FileOperation operation, uint32_t systemError, unsigned
     rule.count = count;
     rule.systemError = systemError;
     Add(rule);
+}
+
+void FileFaultPlan::Fail(FileOperation operation, FileError error, unsigned nth, unsigned count)
+{
+    Fail(operation, ToSystemError(error), nth, count);
 }
 
 void FileFaultPlan::Shorten(FileOperation operation, size_t bytes, unsigned nth, unsigned count)

@@ -3,6 +3,7 @@
 #define TESSARY_LIB_FILE_FAULT_PLAN_H
 
 #include "lib/file/fault.h"
+#include "lib/file/file_result.h"
 #include "lib/misc/exclusive_lock.h"
 
 #include <array>
@@ -25,6 +26,9 @@ public:
 
     // The n-th operation of the kind (1 is the first) and those after it, `count` in all, fail with the system's code.
     void Fail(FileOperation operation, uint32_t systemError, unsigned nth = 1, unsigned count = 1);
+
+    // The same with the code by which this system says it.
+    void Fail(FileOperation operation, FileError error, unsigned nth = 1, unsigned count = 1);
 
     // The n-th read or write takes at most `bytes`.
     void Shorten(FileOperation operation, size_t bytes, unsigned nth = 1, unsigned count = 1);

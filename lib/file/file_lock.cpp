@@ -147,6 +147,7 @@ void FileLock::Release() noexcept
     {
         sys::Resize(m_handle, 0);
     }
+    sys::Unlock(m_handle);
     sys::Close(m_handle);
     m_handle = kNone;
 }

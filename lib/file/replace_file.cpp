@@ -7,27 +7,10 @@ namespace tsypr
 namespace
 {
 
-// The target must not be there, or be a file that may be written.
-SystemError CheckTarget(const NativePath& target, bool& exists)
-{
-    FileStatus status;
-    const SystemError error = sys::Status(target, status);
-    exists = error == 0;
-    if (!exists)
-    {
-        return ToFileError(error) == FileError::NotFound ? 0 : error;
-    }
-    if (status.kind == FileKind::Directory)
-    {
-        return ToSystemError(FileError::IsADirectory);
-    }
-    return status.readOnly ? ToSystemError(FileError::AccessDenied) : 0;
-}
-
 SystemError Replace(const NativePath& target, std::string_view contents, Retrier& retrier)
 {
     bool exists = false;
-    SystemError error = retrier.Run(target, [&] { return CheckTarget(target, exists); });
+    SystemError error = retrier.Run(target, [&] { return CheckReplaceable(target, exists); });
     if (error != 0)
     {
         return error;

@@ -63,6 +63,7 @@ bool IsStillAt(FileHandle handle, const NativePath& path) noexcept;
 // An advisory lock on the whole file, asked for once; InUse when others hold it. Closing releases it. It lies where it
 // is in nobody's way who reads the file.
 SystemError TryLock(FileHandle handle, bool exclusive) noexcept;
+void Unlock(FileHandle handle) noexcept;
 
 // A temporary file's life: created under a name that must be new, and marked as belonging to a living process until it
 // is closed. `model` is the file whose permissions (Windows: attributes) it gets; with `sameAccess` also the owner

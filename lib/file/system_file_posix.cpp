@@ -164,6 +164,11 @@ SystemError TryLock(FileHandle handle, bool exclusive) noexcept
                 [&] { return flock(Descriptor(handle), (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB); });
 }
 
+void Unlock(FileHandle handle) noexcept
+{
+    flock(Descriptor(handle), LOCK_UN); // also for a copy that a fork has made
+}
+
 SystemError CreateMarked(const NativePath& path, const NativePath& model, bool sameAccess, FileHandle& handle)
 {
     struct stat status = {};

@@ -230,6 +230,13 @@ SystemError TryLock(FileHandle handle, bool exclusive) noexcept
     return Call(FileOperation::Lock, [&] { return LockFileEx(ToHandle(handle), flags, 0, 1, 0, &range) != FALSE; });
 }
 
+void Unlock(FileHandle handle) noexcept
+{
+    OVERLAPPED range = {};
+    range.OffsetHigh = kLockOffsetHigh;
+    UnlockFileEx(ToHandle(handle), 0, 1, 0, &range); // closing alone may take its time
+}
+
 SystemError CreateMarked(const NativePath& path, const NativePath& model, bool sameAccess, FileHandle& handle)
 {
     handle = kNoFile;

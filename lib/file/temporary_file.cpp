@@ -78,6 +78,27 @@ bool IsTemporaryName(const NativePath& name, size_t stemLength) noexcept
 
 } // namespace
 
+SystemError CheckReplaceable(const NativePath& path, bool& exists) noexcept
+{
+    FileStatus status;
+    const SystemError error = sys::Status(path, status);
+    exists = error == 0;
+    if (!exists)
+    {
+        return ToFileError(error) == FileError::NotFound ? 0 : error;
+    }
+    switch (status.kind)
+    {
+    case FileKind::Directory:
+        return ToSystemError(FileError::IsADirectory);
+    case FileKind::Other:
+        return ToSystemError(FileError::InvalidArgument); // a device must stay one
+    case FileKind::File:
+        break;
+    }
+    return status.readOnly ? ToSystemError(FileError::AccessDenied) : 0;
+}
+
 TemporaryFile::TemporaryFile(const NativePath& target, Retrier& retrier)
     : m_retrier(retrier), m_target(target), m_folder(ParentOf(target)), m_stem(StemOf(NameOf(target)))
 {

@@ -44,6 +44,9 @@ private:
     bool m_committed = false;
 };
 
+// 0 when a file can take the place of what is at the path, if anything is: a file that may be written.
+SystemError CheckReplaceable(const NativePath& path, bool& exists) noexcept;
+
 } // namespace tsypr
 
 #endif
