@@ -18,7 +18,7 @@ constexpr int64_t kLookMs = 1000;           // how long a file that was renamed 
 constexpr int64_t kRetryMs = 1000;          // between attempts to write when that failed
 constexpr int64_t kRotationRetryMs = 1000;  // when a rotation failed, at first,
 constexpr int64_t kRotationMostMs = 60'000; // and at most
-constexpr int64_t kRotationBusyMs = 20;     // when another process is about to rotate
+constexpr int64_t kRotationBusyMs = 2;     // when another process is about to rotate
 
 } // namespace
 
@@ -29,7 +29,6 @@ LogOutput::LogOutput(const char* tag, const LogSettings& settings)
     Reopen();
     const int64_t now = UtcNowMilliseconds();
     m_nextLook.Begin(now, kLookMs);
-    m_nextTry.Begin(now, kRetryMs);
     if (m_file.IsOpen())
     {
         RemoveOldLogs(m_path, tag, settings.keepFiles);
@@ -65,7 +64,9 @@ void LogOutput::Write(std::string_view line, int64_t now) noexcept
     {
         ++m_lost;
         m_nextTry.Begin(now, kRetryMs);
+        return;
     }
+    ++m_sinceLook;
 }
 
 void LogOutput::Close(int64_t now) noexcept
@@ -77,14 +78,17 @@ void LogOutput::Close(int64_t now) noexcept
 // Whether the line would make the file larger than allowed. An empty file takes any line.
 bool LogOutput::IsFull(size_t length) noexcept
 {
-    const bool mayBe = m_rotateBytes != 0 && m_size + length > m_rotateBytes;
+    if (m_rotateBytes == 0)
+    {
+        return false;
+    }
     // Others fill the file, too, so its size is asked for at times even when we have not written that much.
-    if (mayBe || (!m_ownFile && m_unseen > m_rotateBytes / 8))
+    if (m_size + length > m_rotateBytes || (!m_ownFile && m_unseen > m_rotateBytes / 8))
     {
         m_size = m_file.Size();
         m_unseen = 0;
     }
-    return m_rotateBytes != 0 && m_size != 0 && m_size + length > m_rotateBytes;
+    return m_size != 0 && m_size + length > m_rotateBytes;
 }
 
 // Opens the file that is at the path now, if it is not the one that we have open.
@@ -99,6 +103,10 @@ void LogOutput::LookAtFile(int64_t now) noexcept
     {
         m_lost += m_file.IsDeleted() ? m_sinceLook : 0;
         Reopen();
+    }
+    else if (m_ownFile && m_file.Size() < m_size)
+    {
+        Reopen(); // somebody has emptied it: its end is somewhere else now
     }
     m_sinceLook = 0;
 }
@@ -178,7 +186,6 @@ bool LogOutput::Append(std::string_view line) noexcept
     m_torn = m_torn || (!done && written != 0);
     m_size += written;
     m_unseen += written;
-    ++m_sinceLook;
     return done;
 }
 

@@ -38,10 +38,7 @@ void RemoveSurplus(const std::string& path, uint32_t keep)
 FileResult ShiftLogFiles(const std::string& path, uint32_t keep)
 {
     RemoveSurplus(path, keep);
-    if (keep == 0)
-    {
-        return RemoveFile(path.c_str(), kNoRetry);
-    }
+    // Windows gives a deleted file's name free only when the last one has closed it, so it is renamed in any case.
     for (uint32_t number = FirstGap(path, keep); number != 0; --number)
     {
         const std::string from = NumberedName(path, number - 1);
@@ -51,6 +48,10 @@ FileResult ShiftLogFiles(const std::string& path, uint32_t keep)
         {
             return result;
         }
+    }
+    if (keep == 0)
+    {
+        RemoveSurplus(path, keep);
     }
     return {};
 }

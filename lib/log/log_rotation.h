@@ -10,7 +10,7 @@
 namespace tsypr
 {
 
-// Renames the file and its predecessors, of which `keep` stay; with 0 it is deleted. A single attempt for each. When
+// Renames the file and its predecessors, of which `keep` stay; with 0 nothing is kept. A single attempt for each. When
 // one of the files cannot be renamed nothing is lost: the others keep their order with a gap, where the next attempt
 // goes on, and the result tells why. Throws std::bad_alloc.
 FileResult ShiftLogFiles(const std::string& path, uint32_t keep);

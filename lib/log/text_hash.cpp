@@ -18,18 +18,19 @@ uint64_t Fold(uint64_t a, uint64_t b) noexcept
     return static_cast<uint64_t>(product) ^ static_cast<uint64_t>(product >> 64);
 }
 
-// Two words of the text go into both halves, each time combined in another way.
+// Two words of the text and both halves go into each half, combined in different ways.
 void Mix(TextHash& hash, uint64_t a, uint64_t b) noexcept
 {
-    hash.first = Fold(a ^ hash.first ^ kMixers[0], b ^ kMixers[1]) + hash.second;
-    hash.second = Fold(b ^ hash.second ^ kMixers[2], a ^ kMixers[3]) ^ a;
+    const uint64_t first = Fold(a ^ hash.first ^ kMixers[0], b ^ hash.second ^ kMixers[1]);
+    hash.second = Fold(b ^ hash.first ^ kMixers[2], a ^ hash.second ^ kMixers[3]) + (first ^ a);
+    hash.first = first;
 }
 
 } // namespace
 
 TextHash HashText(std::string_view text) noexcept
 {
-    TextHash hash = {text.size() ^ kMixers[3], kMixers[2]};
+    TextHash hash = {kMixers[1] ^ text.size(), kMixers[2] - text.size()};
     uint64_t words[2];
     for (; text.size() >= sizeof(words); text.remove_prefix(sizeof(words)))
     {
