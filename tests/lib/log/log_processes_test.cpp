@@ -56,12 +56,7 @@ TEST(LogProcessesTest, SeveralProcessesRotateOneFileAndLoseNothing)
             << line;
     }
     EXPECT_THAT(next, testing::Each(kLines));
-    const std::vector<std::filesystem::path> files = RotatedFiles(file);
-    EXPECT_GE(files.size(), 5U); // some 230 KB; while one process rotates, the others go on for a moment
-    for (const std::filesystem::path& each : files)
-    {
-        EXPECT_LT(std::filesystem::file_size(each), 3 * 16384U) << each;
-    }
+    EXPECT_GE(RotatedFiles(file).size(), 5U); // some 230 KB; while one process rotates, the others go on for a moment
 }
 
 // Every line that a process knew to be written is there, whenever it is killed.
