@@ -22,6 +22,15 @@ IXMLDOMElementVtbl g_element;
 std::mutex g_lock;
 std::set<const void*> g_allowing;
 
+// For one call; the stream is borrowed.
+VARIANT StreamValue(IStream* stream) noexcept
+{
+    VARIANT value = {};
+    value.vt = VT_UNKNOWN;
+    value.punkVal = reinterpret_cast<IUnknown*>(stream);
+    return value;
+}
+
 BSTR NewText(std::wstring_view text) noexcept
 {
     return SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
@@ -78,9 +87,42 @@ HRESULT AfterLoad(Document* document, HRESULT result, VARIANT_BOOL* loaded) noex
     return S_FALSE;
 }
 
-HRESULT WINAPI Load(Document* document, VARIANT source, VARIANT_BOOL* loaded) noexcept
+// The bytes of a stream from where it stands; UTF-16 gets the mark by which the parser knows it in any case.
+SAFEARRAY* RestOf(IStream* stream)
 {
-    return AfterLoad(document, g_document.load(document, source, loaded), loaded);
+    std::string bytes = ReadRest(stream);
+    if (bytes.starts_with(std::string_view("<\0", 2)))
+    {
+        bytes.insert(0, "\xFF\xFE");
+    }
+    SAFEARRAY* array = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
+    if (array != nullptr)
+    {
+        bytes.copy(static_cast<char*>(array->pvData), bytes.size());
+    }
+    return array;
+}
+
+HRESULT WINAPI Load(Document* document, VARIANT source, VARIANT_BOOL* loaded)
+{
+    IStream* stream = nullptr;
+    if (source.vt == VT_UNKNOWN && source.punkVal != nullptr)
+    {
+        source.punkVal->lpVtbl->QueryInterface(source.punkVal, IID_IStream, reinterpret_cast<void**>(&stream));
+    }
+    if (stream == nullptr)
+    {
+        return AfterLoad(document, g_document.load(document, source, loaded), loaded);
+    }
+    // Wine copies a stream in small pieces into memory that it moves each time: a large one takes minutes.
+    VARIANT bytes = {};
+    bytes.vt = VT_ARRAY | VT_UI1;
+    bytes.parray = RestOf(stream);
+    stream->lpVtbl->Release(stream);
+    const HRESULT result =
+        bytes.parray == nullptr ? E_OUTOFMEMORY : AfterLoad(document, g_document.load(document, bytes, loaded), loaded);
+    VariantClear(&bytes);
+    return result;
 }
 
 HRESULT WINAPI LoadXML(Document* document, BSTR text, VARIANT_BOOL* loaded) noexcept
@@ -119,37 +161,45 @@ HRESULT WINAPI PutTypedValue(IXMLDOMElement* element, VARIANT value) noexcept
                                : g_element.put_nodeTypedValue(element, value);
 }
 
+// Wine writes UTF-8 whatever the document declares.
+HRESULT WINAPI Save(Document* document, VARIANT destination)
+{
+    const bool known = destination.vt == VT_BSTR || destination.vt == VT_UNKNOWN;
+    IStream* stream = known && destination.punkVal != nullptr ? NewStream() : nullptr;
+    if (stream == nullptr)
+    {
+        return g_document.save(document, destination);
+    }
+    HRESULT result = g_document.save(document, StreamValue(stream));
+    if (SUCCEEDED(result) && Rewind(stream))
+    {
+        result = WriteTo(destination, EncodedAsDeclared(ReadRest(stream)));
+    }
+    stream->lpVtbl->Release(stream);
+    return result;
+}
+
+// Wine's documents are no streams.
 HRESULT WINAPI Query(Document* document, REFIID iid, void** object)
 {
-    const HRESULT result = g_document.QueryInterface(document, iid, object);
-    if (result != S_OK || iid != IID_IStream)
+    if (iid != IID_IStream)
     {
-        return result;
+        return g_document.QueryInterface(document, iid, object);
     }
-    auto* stream = static_cast<IStream*>(*object);
-    std::vector<char> bytes;
-    if (!ReencodeAsDeclared(stream, bytes))
+    *object = nullptr;
+    IStream* stream = NewStream();
+    if (stream == nullptr)
     {
+        return E_OUTOFMEMORY;
+    }
+    const HRESULT result = Save(document, StreamValue(stream));
+    if (SUCCEEDED(result) && Rewind(stream))
+    {
+        *object = stream;
         return S_OK;
     }
     stream->lpVtbl->Release(stream);
-    *object = StreamOver(bytes);
-    return *object != nullptr ? S_OK : E_OUTOFMEMORY;
-}
-
-HRESULT WINAPI Save(Document* document, VARIANT destination)
-{
-    IStream* stream = nullptr;
-    std::vector<char> bytes;
-    const bool known = destination.vt == VT_BSTR || (destination.vt == VT_UNKNOWN && destination.punkVal != nullptr);
-    const bool reencode = known &&
-                          g_document.QueryInterface(document, IID_IStream, reinterpret_cast<void**>(&stream)) == S_OK &&
-                          ReencodeAsDeclared(stream, bytes);
-    if (stream != nullptr)
-    {
-        stream->lpVtbl->Release(stream);
-    }
-    return reencode ? WriteTo(destination, bytes) : g_document.save(document, destination);
+    return FAILED(result) ? result : E_FAIL;
 }
 
 HRESULT WINAPI SetProperty(Document* document, BSTR name, VARIANT value)

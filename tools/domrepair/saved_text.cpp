@@ -2,29 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <string>
 
 namespace tsypr::domrepair
 {
 namespace
 {
-
-bool Rewind(IStream* stream) noexcept
-{
-    return stream->lpVtbl->Seek(stream, {}, STREAM_SEEK_SET, nullptr) == S_OK;
-}
-
-std::string ReadAll(IStream* stream)
-{
-    std::string text;
-    char part[4096];
-    ULONG read = 0;
-    while (SUCCEEDED(stream->lpVtbl->Read(stream, part, sizeof(part), &read)) && read != 0)
-    {
-        text.append(part, read);
-    }
-    return text;
-}
 
 bool DeclaresUtf16(const std::string& text)
 {
@@ -33,69 +15,80 @@ bool DeclaresUtf16(const std::string& text)
                    declaration.end(),
                    declaration.begin(),
                    [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-    return declaration.starts_with("<?xml") &&
-           declaration.find("utf-16", declaration.find("encoding")) != std::string::npos;
+    const size_t encoding = declaration.find("encoding");
+    return declaration.starts_with("<?xml") && encoding != std::string::npos &&
+           declaration.find("utf-16", encoding) != std::string::npos;
+}
+
+HRESULT WriteFileAt(const wchar_t* path, const std::string& bytes) noexcept
+{
+    const HANDLE file = CreateFileW(path, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+    {
+        return HRESULT_FROM_WIN32(GetLastError());
+    }
+    const auto size = static_cast<DWORD>(bytes.size());
+    DWORD written = 0;
+    const bool done = WriteFile(file, bytes.data(), size, &written, nullptr) != FALSE && written == size;
+    CloseHandle(file);
+    return done ? S_OK : E_FAIL;
 }
 
 } // namespace
 
-bool ReencodeAsDeclared(IStream* stream, std::vector<char>& bytes)
+IStream* NewStream() noexcept
 {
-    const std::string text = ReadAll(stream);
-    if (!Rewind(stream) || !DeclaresUtf16(text))
+    IStream* stream = nullptr;
+    return SUCCEEDED(CreateStreamOnHGlobal(nullptr, TRUE, &stream)) ? stream : nullptr;
+}
+
+bool Rewind(IStream* stream) noexcept
+{
+    return stream->lpVtbl->Seek(stream, {}, STREAM_SEEK_SET, nullptr) == S_OK;
+}
+
+std::string ReadRest(IStream* stream)
+{
+    std::string text;
+    STATSTG status = {};
+    stream->lpVtbl->Stat(stream, &status, STATFLAG_NONAME); // only to have the memory at once
+    text.reserve(status.cbSize.LowPart);
+    char part[65536];
+    ULONG read = 0;
+    while (SUCCEEDED(stream->lpVtbl->Read(stream, part, sizeof(part), &read)) && read != 0)
     {
-        return false;
+        text.append(part, read);
+    }
+    return text;
+}
+
+std::string EncodedAsDeclared(std::string text)
+{
+    if (!DeclaresUtf16(text))
+    {
+        return text;
     }
     const int length = static_cast<int>(text.size());
-    std::wstring wide(1 + text.size(), L'\xFEFF'); // never longer than in UTF-8
+    std::wstring wide(1 + text.size(), L'\xFEFF'); // never more units than there are bytes in UTF-8
     const int units = MultiByteToWideChar(CP_UTF8, 0, text.data(), length, wide.data() + 1, length);
-    const auto* begin = reinterpret_cast<const char*>(wide.data());
-    bytes.assign(begin, begin + static_cast<size_t>(1 + units) * sizeof(wchar_t));
-    return true;
+    return {reinterpret_cast<const char*>(wide.data()), static_cast<size_t>(1 + units) * sizeof(wchar_t)};
 }
 
-IStream* StreamOver(const std::vector<char>& bytes) noexcept
+HRESULT WriteTo(const VARIANT& destination, const std::string& bytes) noexcept
 {
-    IStream* stream = nullptr;
-    if (FAILED(CreateStreamOnHGlobal(nullptr, TRUE, &stream)))
-    {
-        return nullptr;
-    }
-    if (FAILED(stream->lpVtbl->Write(stream, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) ||
-        !Rewind(stream))
-    {
-        stream->lpVtbl->Release(stream);
-        return nullptr;
-    }
-    return stream;
-}
-
-HRESULT WriteTo(const VARIANT& destination, const std::vector<char>& bytes) noexcept
-{
-    const auto size = static_cast<ULONG>(bytes.size());
     if (destination.vt == VT_BSTR)
     {
-        const HANDLE file =
-            CreateFileW(destination.bstrVal, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-        if (file == INVALID_HANDLE_VALUE)
-        {
-            return HRESULT_FROM_WIN32(GetLastError());
-        }
-        DWORD written = 0;
-        const bool done = WriteFile(file, bytes.data(), size, &written, nullptr) != FALSE && written == size;
-        CloseHandle(file);
-        return done ? S_OK : E_FAIL;
+        return WriteFileAt(destination.bstrVal, bytes);
     }
     IStream* stream = nullptr;
-    const HRESULT result = destination.punkVal->lpVtbl->QueryInterface(
+    HRESULT result = destination.punkVal->lpVtbl->QueryInterface(
         destination.punkVal, IID_IStream, reinterpret_cast<void**>(&stream));
-    if (FAILED(result))
+    if (SUCCEEDED(result))
     {
-        return result;
+        result = stream->lpVtbl->Write(stream, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr);
+        stream->lpVtbl->Release(stream);
     }
-    const HRESULT written = stream->lpVtbl->Write(stream, bytes.data(), size, nullptr);
-    stream->lpVtbl->Release(stream);
-    return written;
+    return result;
 }
 
 } // namespace tsypr::domrepair

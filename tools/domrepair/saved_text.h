@@ -4,20 +4,24 @@
 
 #include "tools/domrepair/msxml_c.h"
 
-#include <vector>
+#include <string>
 
 namespace tsypr::domrepair
 {
 
-// Wine writes UTF-8 whatever the document declares. When the stream's text declares UTF-16, `bytes` receives it in
-// UTF-16 with a byte-order mark. False when there is nothing to change; the stream then stands at its begin again.
-bool ReencodeAsDeclared(IStream* stream, std::vector<char>& bytes);
+// An empty stream in memory; null when there is no memory. The caller releases it.
+IStream* NewStream() noexcept;
 
-// A new stream over the bytes, at its begin; null when there is no memory.
-IStream* StreamOver(const std::vector<char>& bytes) noexcept;
+bool Rewind(IStream* stream) noexcept;
 
-// Writes the bytes where IXMLDOMDocument::save would: to a file or a stream.
-HRESULT WriteTo(const VARIANT& destination, const std::vector<char>& bytes) noexcept;
+// The bytes of a stream from where it stands to its end.
+std::string ReadRest(IStream* stream);
+
+// Turns a saved text, which is UTF-8, into UTF-16 with a byte-order mark if it declares UTF-16.
+std::string EncodedAsDeclared(std::string text);
+
+// Writes the bytes where IXMLDOMDocument::save would: to a file (VT_BSTR) or a stream (VT_UNKNOWN).
+HRESULT WriteTo(const VARIANT& destination, const std::string& bytes) noexcept;
 
 } // namespace tsypr::domrepair
 
