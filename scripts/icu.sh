@@ -21,7 +21,8 @@ flags=(-std=gnu++17 -O2 -g0 -ffunction-sections -fdata-sections -fstack-protecto
 # who may not look into it.
 private_apt() {
   apt-get -q -o Dir::Etc::sourcelist="$work/apt/icu.list" -o Dir::Etc::sourceparts=- \
-    -o Dir::State::lists="$work/apt/lists" -o Dir::Cache="$work/apt/cache" -o APT::Sandbox::User=root -o Acquire::Languages=none -o Acquire::Retries=3 "$@"
+    -o Dir::State::lists="$work/apt/lists" -o Dir::Cache="$work/apt/cache" -o APT::Sandbox::User=root \
+    -o Acquire::Languages=none -o Acquire::Retries=3 "$@"
 }
 
 # The machine's mirrors of Debian itself, as lines that offer sources.
