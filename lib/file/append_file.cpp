@@ -35,7 +35,7 @@ bool AppendFile::Append(const char* bytes, size_t length, size_t* written) noexc
     bool done = false;
     if (IsOpen() && (bytes != nullptr || length == 0))
     {
-        const sys::AppendTurn turn(m_handle, m_shared);
+        const sys::AppendTurn turn(m_handle, m_shared ? sys::Patience::Endless : sys::Patience::None);
         done = sys::Write(m_handle, bytes, length, count) == 0 && count == length;
     }
     if (written != nullptr)
@@ -43,6 +43,13 @@ bool AppendFile::Append(const char* bytes, size_t length, size_t* written) noexc
         *written = count;
     }
     return done;
+}
+
+bool AppendFile::AppendImpatiently(const char* bytes, size_t length) noexcept
+{
+    size_t count = 0;
+    const sys::AppendTurn turn(m_handle, m_shared && IsOpen() ? sys::Patience::Short : sys::Patience::None);
+    return IsOpen() && bytes != nullptr && sys::Write(m_handle, bytes, length, count) == 0 && count == length;
 }
 
 uint64_t AppendFile::Size() const noexcept

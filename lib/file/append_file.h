@@ -33,6 +33,10 @@ public:
     // have been taken. `written`, if given, tells how many were.
     bool Append(const char* bytes, size_t length, size_t* written = nullptr) noexcept;
 
+    // The same for the last thread of a process: it does not wait for a turn that a thread which is gone may have taken
+    // along.
+    bool AppendImpatiently(const char* bytes, size_t length) noexcept;
+
     bool IsOpen() const noexcept
     {
         return m_handle != kNone;

@@ -20,13 +20,21 @@ bool IsDeleted(FileHandle handle) noexcept;
 // Deletes the file unless somebody has it open, as far as the system knows.
 SystemError RemoveUnused(const NativePath& path) noexcept;
 
+// How long to wait for one's turn to append.
+enum class Patience
+{
+    None, // there are no turns
+    Short,
+    Endless
+};
+
 #ifdef _WIN32
 // Not every Windows file system puts the appends of several processes one behind the other, folders of other machines
 // among them. Those who append take turns by locking a place far behind any file's end.
 class AppendTurn
 {
 public:
-    AppendTurn(FileHandle handle, bool shared) noexcept;
+    AppendTurn(FileHandle handle, Patience patience) noexcept;
     ~AppendTurn();
     AppendTurn(const AppendTurn&) = delete;
     AppendTurn& operator=(const AppendTurn&) = delete;
@@ -40,7 +48,7 @@ private:
 class AppendTurn
 {
 public:
-    AppendTurn(FileHandle /*handle*/, bool /*shared*/) noexcept {}
+    AppendTurn(FileHandle /*handle*/, Patience /*patience*/) noexcept {}
 };
 #endif
 

@@ -75,12 +75,23 @@ SystemError RemoveUnused(const NativePath& path) noexcept
                 [&path] { return OpenHandle(path, DELETE, 0, FILE_FLAG_DELETE_ON_CLOSE) != nullptr; });
 }
 
-AppendTurn::AppendTurn(FileHandle handle, bool shared) noexcept : m_handle(handle)
+AppendTurn::AppendTurn(FileHandle handle, Patience patience) noexcept : m_handle(handle)
 {
-    if (shared)
+    if (patience == Patience::None)
+    {
+        return;
+    }
+    constexpr int kShortTries = 10; // a millisecond each
+    const bool waits = patience == Patience::Endless;
+    for (int tries = waits ? 1 : kShortTries; tries != 0 && !m_locked; --tries)
     {
         OVERLAPPED place = PlaceOfTurn();
-        m_locked = LockFileEx(ToHandle(m_handle), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place) != FALSE;
+        const DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | (waits ? 0 : LOCKFILE_FAIL_IMMEDIATELY);
+        m_locked = LockFileEx(ToHandle(m_handle), flags, 0, 1, 0, &place) != FALSE;
+        if (!m_locked && !waits)
+        {
+            Sleep(1);
+        }
     }
 }
 

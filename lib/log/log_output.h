@@ -30,7 +30,7 @@ public:
     // Nothing but the write: for the last thread of a process, which may have stopped another one in here.
     void WriteBare(std::string_view line) noexcept
     {
-        m_file.Append(line.data(), line.size());
+        m_file.AppendImpatiently(line.data(), line.size());
     }
 
     // Writes how many lines were lost, if any were, and closes the file.
