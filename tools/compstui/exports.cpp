@@ -85,13 +85,13 @@ extern "C"
         return ShowSheet(hWndOwner, pfnPropSheetUI, lParam, pResult, true);
     }
 
-    ULONG_PTR WINAPI GetCPSUIUserData(HWND hDlg) noexcept
+    ULONG_PTR WINAPI GetCPSUIUserData(HWND hDlg)
     {
         const bool ours = IsDialogOfSheet(hDlg, "GetCPSUIUserData");
         return ours ? reinterpret_cast<ULONG_PTR>(GetPropW(hDlg, kUserDataProperty)) : 0;
     }
 
-    BOOL WINAPI SetCPSUIUserData(HWND hDlg, ULONG_PTR CPSUIUserData) noexcept
+    BOOL WINAPI SetCPSUIUserData(HWND hDlg, ULONG_PTR CPSUIUserData)
     {
         // The window's end is also that of its properties.
         return IsDialogOfSheet(hDlg, "SetCPSUIUserData")
