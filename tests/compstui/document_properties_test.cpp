@@ -18,7 +18,7 @@ namespace
 
 using testing::ElementsAre;
 
-// Installs the driver and a printer of it, and takes both away again.
+// Installs the driver and a printer of it in the prefix, where they stay.
 class DocumentPropertiesTest : public testing::Test
 {
 protected:
@@ -37,10 +37,12 @@ protected:
         ASSERT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&driver), flags)) << GetLastError();
         std::wstring processor = L"winprint";
         std::wstring port = L"LPT1:";
+        std::wstring dataType = L"RAW";
         PRINTER_INFO_2W printer = {};
         printer.pPrinterName = printer.pDriverName = s_name.data();
         printer.pPortName = port.data();
         printer.pPrintProcessor = processor.data();
+        printer.pDatatype = dataType.data();
         const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
         ASSERT_TRUE(added != nullptr || GetLastError() == ERROR_PRINTER_ALREADY_EXISTS) << GetLastError();
         ClosePrinter(added);
@@ -58,6 +60,13 @@ protected:
     {
         const User user({button});
         return DocumentPropertiesW(nullptr, s_printer, s_name.data(), &out, nullptr, DM_IN_PROMPT | DM_OUT_BUFFER);
+    }
+
+    static LONG WithoutSheet(DEVMODEW& in)
+    {
+        const DWORD mode = DM_IN_BUFFER | DM_IN_PROMPT | DM_OUT_BUFFER;
+        DEVMODEW out = {};
+        return DocumentPropertiesW(nullptr, s_printer, s_name.data(), &out, &in, mode);
     }
 
     // What the driver was asked since the last time.
@@ -86,7 +95,7 @@ private:
         ASSERT_NE(s_driver, nullptr);
     }
 
-    inline static std::wstring s_name = L"Property Sheet Test";
+    inline static std::wstring s_name = L"Property Sheets";
     inline static HANDLE s_printer = nullptr;
     inline static HMODULE s_driver = nullptr;
 };
@@ -115,6 +124,12 @@ TEST_F(DocumentPropertiesTest, ReturnsTheButtonAndTheDriversSettings)
         EXPECT_EQ(out.dmCopies, one.copies);
         EXPECT_EQ(DriverEvents(), one.events);
     }
+    DEVMODEW refused = {};
+    refused.dmSize = sizeof(refused);
+    refused.dmCopies = kTestDriverRefusedCopies;
+    EXPECT_EQ(WithoutSheet(refused), -1);
+    EXPECT_EQ(DriverEvents(), Events({"INIT", "DESTROY"}));
+
     // It was our interface that winspool called, and neither it nor the driver made a mistake.
     const HMODULE used = GetModuleHandleW(L"compstui.dll");
     const auto faults = reinterpret_cast<decltype(&CompstuiContractFaults)>(

@@ -76,11 +76,13 @@ INT_PTR CALLBACK PageProc(HWND dialog, UINT message, WPARAM, LPARAM lParam)
 
 LONG Init(PROPSHEETUI_INFO& info)
 {
+    const auto& header = *reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(info.lParamInit);
+    if (header.pdmIn != nullptr && header.pdmIn->dmCopies == kTestDriverRefusedCopies)
+    {
+        return 0;
+    }
     auto sheet = std::make_unique<Sheet>();
-    *sheet = {info.hComPropSheet,
-              info.pfnComPropSheet,
-              nullptr,
-              reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(info.lParamInit)->pdmOut};
+    *sheet = {info.hComPropSheet, info.pfnComPropSheet, nullptr, header.pdmOut};
     PROPSHEETPAGEW page = {};
     page.dwSize = sizeof(page);
     page.hInstance = g_instance;
@@ -120,7 +122,7 @@ void LogCall(const PROPSHEETUI_INFO& info, LPARAM lParam)
     line += info.Version == PROPSHEETUI_INFO_VERSION ? "" : " Version";
     line += info.Flags == PSUIINFO_UNICODE ? "" : " Flags";
     line += info.Reason != PROPSHEETUI_REASON_INIT || info.lParamInit == lParam ? "" : " lParamInit";
-    line += (info.Reason == PROPSHEETUI_REASON_INIT) == (info.UserData == 0) ? "" : " UserData";
+    line += info.Reason != PROPSHEETUI_REASON_INIT || info.UserData == 0 ? "" : " UserData";
     line += info.Reason == PROPSHEETUI_REASON_DESTROY && lParam != 0 ? " closed by the user" : "";
     Log(line);
 }

@@ -11,4 +11,7 @@ using TestDriverLogFunction = void(WINAPI*)(char* buffer, DWORD size);
 // The copies that the driver's page chooses.
 constexpr short kTestDriverCopies = 42;
 
+// The driver adds no page for an application that asks for so many.
+constexpr short kTestDriverRefusedCopies = 13;
+
 #endif

@@ -2,6 +2,7 @@
 #include "tools/compstui/contract.h"
 #include "tools/compstui/contract_exports.h"
 #include "tools/compstui/sheet.h"
+#include "tools/compstui/spooler_answer.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -34,6 +35,10 @@ LONG ShowSheet(HWND owner, PFNPROPSHEETUI function, LPARAM lParam, DWORD* result
             Sheet sheet(owner, function, lParam, unicode);
             answer = sheet.Run();
             left = answer >= CPSUI_CANCEL ? sheet.Result() : 0;
+            if (IsWineSpooler(function, result))
+            {
+                answer = DocumentPropertiesAnswer(answer, sheet.WasShown(), sheet.Reported());
+            }
         }
         catch (const std::exception&)
         {
@@ -69,18 +74,12 @@ using namespace tsypr::compstui;
 extern "C"
 {
 
-    LONG WINAPI CommonPropertySheetUIA(HWND hWndOwner,
-                                       PFNPROPSHEETUI pfnPropSheetUI,
-                                       LPARAM lParam,
-                                       LPDWORD pResult)
+    LONG WINAPI CommonPropertySheetUIA(HWND hWndOwner, PFNPROPSHEETUI pfnPropSheetUI, LPARAM lParam, LPDWORD pResult)
     {
         return ShowSheet(hWndOwner, pfnPropSheetUI, lParam, pResult, false);
     }
 
-    LONG WINAPI CommonPropertySheetUIW(HWND hWndOwner,
-                                       PFNPROPSHEETUI pfnPropSheetUI,
-                                       LPARAM lParam,
-                                       LPDWORD pResult)
+    LONG WINAPI CommonPropertySheetUIW(HWND hWndOwner, PFNPROPSHEETUI pfnPropSheetUI, LPARAM lParam, LPDWORD pResult)
     {
         return ShowSheet(hWndOwner, pfnPropSheetUI, lParam, pResult, true);
     }

@@ -27,6 +27,22 @@ public:
     // The value that the first function has left.
     DWORD Result() const noexcept;
 
+    // Whether the user saw the sheet and closed it.
+    bool WasShown() const noexcept
+    {
+        return m_closedByUser;
+    }
+
+    // The result that was last reported to the first function, whatever that made of it.
+    LRESULT Reported() const noexcept
+    {
+        return m_reported;
+    }
+    void SetReported(LRESULT result) noexcept
+    {
+        m_reported = result;
+    }
+
     Node& Root() noexcept
     {
         return *m_root;
@@ -90,6 +106,7 @@ private:
     HWND m_window = nullptr;
     State m_state = State::Describing;
     bool m_closedByUser = false;
+    LRESULT m_reported = CPSUI_CANCEL;
     std::map<DWORD, std::string> m_dataBlocks;
 };
 

@@ -118,6 +118,10 @@ LONG_PTR SetResult(const Call& call)
         if (node->function != nullptr)
         {
             ++count;
+            if (node == &node->sheet.Root())
+            {
+                node->sheet.SetReported(info.Result);
+            }
             answer = CallFunction(*node, PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&info));
         }
     }

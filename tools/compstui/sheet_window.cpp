@@ -9,13 +9,14 @@ namespace tsypr::compstui
 namespace
 {
 
-constexpr wchar_t kTitleWithoutName[] = L"Options";
+// The spooler gives no title.
+constexpr wchar_t kOwnTitle[] = L"Printing Preferences";
 
 std::wstring NameOf(const PROPSHEETUI_INFO_HEADER& header, bool unicode)
 {
     if (header.pTitle == nullptr)
     {
-        return kTitleWithoutName;
+        return {};
     }
     if (!IS_INTRESOURCE(header.pTitle))
     {
@@ -25,12 +26,16 @@ std::wstring NameOf(const PROPSHEETUI_INFO_HEADER& header, bool unicode)
     const wchar_t* text = nullptr;
     // With no room for a copy the function gives the text itself, which is not terminated.
     const int length = LoadStringW(header.hInst, id, reinterpret_cast<wchar_t*>(&text), 0);
-    return length > 0 ? std::wstring(text, static_cast<std::size_t>(length)) : kTitleWithoutName;
+    return length > 0 ? std::wstring(text, static_cast<std::size_t>(length)) : std::wstring();
 }
 
 std::wstring TitleOf(const PROPSHEETUI_INFO_HEADER& header, bool unicode)
 {
     std::wstring title = NameOf(header, unicode);
+    if (title.empty())
+    {
+        return kOwnTitle;
+    }
     if ((header.Flags & PSUIHDRF_EXACT_PTITLE) != 0)
     {
         return title;
