@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 // The program is linked so that the provider asks here for its printer's name: the spooler knows no such printer.
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker sets the name
 extern "C"
 {
     decltype(GetPrinterW) __wrap_GetPrinterW;
@@ -25,6 +26,7 @@ extern "C"
         return TRUE;
     }
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace tsypr::bench
 {

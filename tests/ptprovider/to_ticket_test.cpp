@@ -277,7 +277,7 @@ TEST_F(ToTicket, CapabilitiesForADeviceMode)
     ComPtr<IXMLDOMDocument2> capabilities;
     ASSERT_TRUE(GetPrintCapsXmlDoc(name, dm.Get(), capabilities.GetAddressOf()));
     EXPECT_EQ(3U, Find(capabilities.Get(), L"//psf:Feature").size()); // page scaling is left in
-    EXPECT_EQ((Messages{kOpen, "query DM2PT", "freePT", "query PT2PC", "freePT", "close"}), service.TakeCalls());
+    EXPECT_EQ((Messages{kOpen, "query DM2PT", "query PT2PC", "freePT", "freePT", "close"}), service.TakeCalls());
     const auto sent = Load(*service.ptInputs[kPT2PC]);
     EXPECT_EQ(
         (Texts{L"16", L"psk:LeftTop", L"psk:SaddleStitch", std::wstring(29, L'p'), L"ns0000:Glossy", L"psk:Custom"}),
