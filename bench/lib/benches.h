@@ -9,6 +9,9 @@ namespace tsypr::bench
 
 // Each adds its results and throws std::runtime_error when something cannot be measured.
 
+// Taking and releasing a lock that nobody else wants.
+void MeasureLocks(Report& report);
+
 // Lines that do go to the file, against other ways to write them.
 void MeasureLogLines(Report& report);
 

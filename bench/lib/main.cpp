@@ -21,6 +21,7 @@ struct Bench
 };
 
 constexpr Bench kBenches[] = {
+    {"lock", MeasureLocks},
     {"log", MeasureLogLines},
     {"codeset", MeasureCodeSets},
 };

@@ -145,6 +145,12 @@ TEST_F(ToTicket, RepliesThatAreNoTicket)
     DeviceMode dm = Settings(0);
     const std::string failed = "error PTProvider::ConvertDevModeToPrintTicket, failed to call Mem2IXML.";
     const std::string notLoaded = "error Mem2IXML, failed to load xml doc from stream, error 1.";
+    // Nor does it matter what the caller's document would load; its settings stay.
+    VARIANT allow = {};
+    allow.vt = VT_BOOL;
+    const Bstr prohibit(L"ProhibitDTD");
+    EXPECT_EQ(S_OK, ticket->setProperty(prohibit.Get(), allow));
+    EXPECT_EQ(S_OK, ticket->put_async(VARIANT_TRUE));
     std::string deep;
     for (int i = 0; i < 100000; ++i)
     {
@@ -165,6 +171,11 @@ TEST_F(ToTicket, RepliesThatAreNoTicket)
         Convert(dm.Get(), E_FAIL);
         EXPECT_EQ((Messages{notLoaded, failed}), log.TakeErrors()) << text.substr(0, 50);
     }
+    Variant prohibited;
+    VARIANT_BOOL async = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, ticket->getProperty(prohibit.Get(), prohibited.Receive()));
+    EXPECT_EQ(S_OK, ticket->get_async(&async));
+    EXPECT_EQ(std::pair(VARIANT_FALSE, VARIANT_TRUE), std::pair(prohibited.Get().boolVal, async));
     ticket = Load(FullTicket());
     for (const PTReply& reply :
          {PTReply{E_ACCESSDENIED}, {kConflictResolved, Bytes(1), 0U}, {S_OK, Bytes(1), 0x80000000U}})
@@ -266,7 +277,7 @@ TEST_F(ToTicket, CapabilitiesForADeviceMode)
     ComPtr<IXMLDOMDocument2> capabilities;
     ASSERT_TRUE(GetPrintCapsXmlDoc(name, dm.Get(), capabilities.GetAddressOf()));
     EXPECT_EQ(3U, Find(capabilities.Get(), L"//psf:Feature").size()); // page scaling is left in
-    EXPECT_EQ((Messages{kOpen, "query DM2PT", "freePT", "query PT2PC", "freePT", "close"}), service.TakeCalls());
+    EXPECT_EQ((Messages{kOpen, "query DM2PT", "query PT2PC", "freePT", "freePT", "close"}), service.TakeCalls());
     const auto sent = Load(*service.ptInputs[kPT2PC]);
     EXPECT_EQ(
         (Texts{L"16", L"psk:LeftTop", L"psk:SaddleStitch", std::wstring(29, L'p'), L"ns0000:Glossy", L"psk:Custom"}),
