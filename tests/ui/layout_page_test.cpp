@@ -1,0 +1,169 @@
+#include "ui/layout_page.h"
+#include "tests/ui/page_fixture.h"
+
+namespace tsypr::test
+{
+namespace
+{
+
+class LayoutPage : public PageTest
+{
+protected:
+    LayoutPage()
+    {
+        service.capabilities[DC_ORIENTATION] = Answer(90);
+        service.capabilities[DC_DUPLEX] = Answer(1);
+        NupCapabilities.Store(L"Office Laser", {{L"1", L"2", L"4", L"16"}, {L"psk:RightBottom", L"psk:TopLeft"}});
+        dm.Private().pagesPerSheet = 4;
+        dm.Private().nupLayout.Write(L"psk:TopLeft");
+        LoadContext();
+    }
+
+    void OpenPage()
+    {
+        Open(IDD_LAYOUT, LayoutProc);
+    }
+    HBITMAP Picture() const
+    {
+        return reinterpret_cast<HBITMAP>(Send(IDC_ORIENTATION_PICTURE, STM_GETIMAGE, IMAGE_BITMAP));
+    }
+};
+
+TEST_F(LayoutPage, OffersOrientation)
+{
+    struct Case
+    {
+        std::optional<int32_t> answer;
+        short orientation;
+        const char* list;
+        HBITMAP picture;
+    };
+    const Case cases[] = {{90, DMORIENT_PORTRAIT, ">Portrait|Landscape", PortraitBitmap},
+                          {270, DMORIENT_LANDSCAPE, "Portrait|>Landscape", LandscapeBitmap},
+                          {std::nullopt, 0, "Portrait|>Landscape", LandscapeBitmap},
+                          {0, DMORIENT_LANDSCAPE, "x >Portrait", nullptr}};
+    for (const Case& one : cases)
+    {
+        SCOPED_TRACE(one.list);
+        service.capabilities[DC_ORIENTATION] = {one.answer, std::nullopt};
+        dm->dmFields = 0; // does not count
+        dm->dmOrientation = one.orientation;
+        OpenPage();
+        EXPECT_EQ(one.list, List(IDC_ORIENTATION));
+        EXPECT_EQ(one.picture, Picture());
+    }
+    OpenPage();
+    service.opens = false;
+    log.Take();
+    OpenPage();
+    const std::string error = "error DrvDeviceCapabilities, failed to open remote printer Office Laser.";
+    EXPECT_EQ((Messages{error, error}), log.TakeErrors());
+    EXPECT_EQ("Portrait|>Landscape", List(IDC_ORIENTATION));
+    Choose(IDC_ORIENTATION, 0);
+    EXPECT_EQ(DMORIENT_PORTRAIT, context.orientation);
+    EXPECT_EQ(PortraitBitmap, Picture());
+    Choose(IDC_ORIENTATION, 1);
+    EXPECT_EQ(DMORIENT_LANDSCAPE, context.orientation);
+    EXPECT_EQ(LandscapeBitmap, Picture());
+}
+
+TEST_F(LayoutPage, OffersBothSides)
+{
+    struct Case
+    {
+        DWORD fields;
+        uint32_t locked;
+        int32_t answer;
+        short duplex;
+        const char* list;
+    };
+    const Case cases[] = {{DM_DUPLEX, kLockedDuplex, 1, 3, "x >Flip On Short Edge"},
+                          {DM_DUPLEX, kLockedDuplex, 1, 9, "x "},
+                          {0, kLockedDuplex, 1, 2, "None|>Flip On Long Edge|Flip On Short Edge"},
+                          {DM_DUPLEX, 0, 0, 2, "x >None|Flip On Long Edge|Flip On Short Edge"},
+                          {DM_DUPLEX, 0, -1, 9, "None|Flip On Long Edge|>Flip On Short Edge"},
+                          {DM_DUPLEX, 0, 1, 1, ">None|Flip On Long Edge|Flip On Short Edge"}};
+    for (const Case& one : cases)
+    {
+        dm->dmFields = one.fields;
+        dm->dmDuplex = one.duplex;
+        dm.Private().lockedSettings = one.locked;
+        service.capabilities[DC_DUPLEX] = Answer(one.answer);
+        OpenPage();
+        EXPECT_EQ(one.list, List(IDC_DUPLEX));
+    }
+    for (int position = 2; position >= 0; --position)
+    {
+        Choose(IDC_DUPLEX, position);
+        EXPECT_EQ(position + 1, context.duplex);
+    }
+}
+
+TEST_F(LayoutPage, OffersSeveralPagesOnASheet)
+{
+    OpenPage();
+    EXPECT_EQ("1|2|>4|16", List(IDC_PAGES_PER_SHEET));
+    EXPECT_EQ("Right then Down|>Up then Left", List(IDC_PAGE_ORDER));
+    EXPECT_EQ(4U, context.pagesPerSheet);
+    EXPECT_EQ(1, context.nupDirectionIndex);
+    Choose(IDC_PAGE_ORDER, 0);
+    Choose(IDC_PAGES_PER_SHEET, 3);
+    EXPECT_EQ(0, context.nupDirectionIndex);
+    EXPECT_EQ(4U, context.pagesPerSheet) << "is read on applying only";
+    ExpectPageManners(&UIContext::layoutPage);
+    EXPECT_EQ(16U, context.pagesPerSheet);
+
+    // The last of equal entries wins, an unknown keyword is its own text, and three characters of a number count.
+    NupCapabilities.Store(L"Office Laser", {{L"4", L"2048", L"4"}, {L"ns:Odd", L"psk:TopLeft", L"psk:TopLeft"}});
+    OpenPage();
+    EXPECT_EQ("4|2048|>4", List(IDC_PAGES_PER_SHEET));
+    EXPECT_EQ("ns:Odd|Up then Left|>Up then Left", List(IDC_PAGE_ORDER));
+    Choose(IDC_PAGES_PER_SHEET, 1);
+    Notify(PSN_APPLY);
+    EXPECT_EQ(204U, context.pagesPerSheet);
+}
+
+TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
+{
+    struct Case
+    {
+        bool feature;
+        const wchar_t* printer;
+        NupCapability capability;
+        const char* pages;
+        const char* order;
+        const char* message;
+        uint32_t applied;
+    };
+    const Case cases[] = {
+        {false,
+         L"Office Laser",
+         {},
+         "x ",
+         "x ",
+         "verbose PopulateNup, printer \"Office Laser\" or client version doesn't support N-up",
+         1},
+        {true, L"Else", {}, "x ", "x ", "error PopulateNup, no Nup capabilities data for \"Else\".", 1},
+        {true, L"Office Laser", {{}, {L"psk:TopLeft"}}, "x ", "x ", "", 1},
+        {true, L"Office Laser", {{L"2", L"8"}, {}}, ">2|8", "x ", "", 2},
+    };
+    for (const Case& one : cases)
+    {
+        SCOPED_TRACE(one.message);
+        dm.Private().featureBitmap = one.feature ? kEveryFeature : 0;
+        NupCapabilities.Store(L"Office Laser", one.capability);
+        wcscpy(context.printerName, one.printer);
+        log.Take();
+        OpenPage();
+        EXPECT_EQ(one.pages, List(IDC_PAGES_PER_SHEET));
+        EXPECT_EQ(one.order, List(IDC_PAGE_ORDER));
+        EXPECT_EQ(-1, context.nupDirectionIndex);
+        const Messages messages = log.Take();
+        EXPECT_TRUE(*one.message == '\0' || std::count(messages.begin(), messages.end(), one.message) == 1);
+        Notify(PSN_APPLY);
+        EXPECT_EQ(one.applied, context.pagesPerSheet);
+    }
+}
+
+} // namespace
+} // namespace tsypr::test

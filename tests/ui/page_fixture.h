@@ -1,0 +1,197 @@
+// The pages of the property sheet as real dialogs, made from the English language library, with a service that answers
+// by script.
+#ifndef TESSARY_TESTS_UI_PAGE_FIXTURE_H
+#define TESSARY_TESTS_UI_PAGE_FIXTURE_H
+
+#include "language/resource_ids.h"
+#include "module/interface_dll.h"
+#include "tests/module/test_registry.h"
+#include "tests/remote/fake_service.h"
+#include "ui/capability_maps.h"
+#include "ui/driver_name.h"
+#include "ui/ui_context.h"
+
+#include <filesystem>
+
+namespace tsypr::test
+{
+
+inline constexpr uint32_t kEveryFeature =
+    kFeatureNup | kFeaturePrintAsImage | kFeaturePopupPreDlg | kFeatureCompressionZlib | kFeatureFinishing;
+
+// The English language library as the module's resources, loaded once.
+inline void UseEnglish()
+{
+    static const HMODULE s_library = []
+    {
+        wchar_t program[MAX_PATH];
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        return LoadLibraryW((std::filesystem::path(program).parent_path() / L"tsyprUI_en_us_409.dll").c_str());
+    }();
+    static const HBITMAP s_portrait = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_PORTRAIT));
+    static const HBITMAP s_landscape = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_LANDSCAPE));
+    static const HBITMAP s_logo = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_LOGO));
+    EXPECT_NE(s_logo, nullptr);
+    ResourceModule = s_library;
+    PortraitBitmap = s_portrait;
+    LandscapeBitmap = s_landscape;
+    LogoBitmap = s_logo;
+}
+
+// Names in fields of a fixed size, as the printer's lists have them; a name that fills its field has no terminator.
+inline CapabilityReply NamesReply(size_t chars, const std::vector<std::wstring>& names)
+{
+    std::vector<wchar_t> fields(chars * names.size());
+    for (size_t i = 0; i < names.size(); ++i)
+    {
+        std::copy_n(names[i].begin(), std::min(chars, names[i].size()), fields.begin() + static_cast<int>(i * chars));
+    }
+    return ListReply(static_cast<int32_t>(names.size()), fields);
+}
+
+inline CapabilityReply Answer(int32_t result)
+{
+    return {result, std::nullopt};
+}
+
+class PageTest : public RemoteTest
+{
+protected:
+    PageTest() : dm(ClientDeviceMode())
+    {
+        UseEnglish();
+        SetCurrentDriverName(kOwnDriverName);
+        dm.Private().featureBitmap = kEveryFeature;
+        dm.Private().printTargetChoice = 0;
+        context.comPropSheet = ComPropSheet;
+        context.comPropSheetHandle = reinterpret_cast<HANDLE>(0xC0);
+        context.devMode = dm.Get();
+        wcscpy(context.printerName, L"Office Laser");
+        s_results.clear();
+    }
+    ~PageTest() override
+    {
+        Close();
+        RegDeleteKeyValueW(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice");
+    }
+
+    // Loads the context from the device mode, without asking the printer for its options.
+    void LoadContext()
+    {
+        const uint32_t features = dm.Private().featureBitmap;
+        dm.Private().featureBitmap = features & ~(kFeatureNup | kFeatureFinishing);
+        InitUIContext(&context, dm.Get());
+        dm.Private().featureBitmap = features;
+    }
+
+    void Open(int dialogId, DLGPROC procedure)
+    {
+        Close();
+        page.dwSize = sizeof(page);
+        page.lParam = reinterpret_cast<LPARAM>(&context);
+        owner = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 600, nullptr, nullptr, nullptr, nullptr);
+        dialog = CreateDialogParamW(
+            ResourceModule, MAKEINTRESOURCEW(dialogId), owner, procedure, reinterpret_cast<LPARAM>(&page));
+        ASSERT_NE(dialog, nullptr) << GetLastError();
+    }
+    void Close()
+    {
+        DestroyWindow(owner);
+        owner = nullptr;
+    }
+
+    HWND Item(int id) const
+    {
+        return GetDlgItem(dialog, id);
+    }
+    LRESULT Send(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const
+    {
+        return SendMessageW(Item(id), message, wParam, lParam);
+    }
+
+    // A list as "one|>selected|three", with "x " before it when it is disabled, and a complaint when its label is not
+    // as the list is.
+    std::string List(int id) const
+    {
+        const HWND label = GetWindow(Item(id), GW_HWNDPREV);
+        std::string text = IsWindowEnabled(Item(id)) ? "" : "x ";
+        text += IsWindowEnabled(Item(id)) == IsWindowEnabled(label) ? "" : "LABEL ";
+        for (int i = 0; i < Send(id, CB_GETCOUNT); ++i)
+        {
+            wchar_t entry[256] = {};
+            Send(id, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(entry));
+            text += i == 0 ? "" : "|";
+            text += Send(id, CB_GETCURSEL) == i ? ">" : "";
+            text += std::string(entry, entry + wcslen(entry));
+        }
+        return text;
+    }
+
+    // A button as "on" or "off", with "x " before it when it is disabled.
+    std::string Button(int id) const
+    {
+        return std::string(IsWindowEnabled(Item(id)) ? "" : "x ") + (IsDlgButtonChecked(dialog, id) ? "on" : "off");
+    }
+
+    LRESULT Command(int id, int notification = BN_CLICKED) const
+    {
+        return CallProcedure(WM_COMMAND, reinterpret_cast<LPARAM>(Item(id)), MAKEWPARAM(id, notification));
+    }
+    void Choose(int id, int position) const
+    {
+        Send(id, CB_SETCURSEL, static_cast<WPARAM>(position));
+        EXPECT_TRUE(Command(id, CBN_SELCHANGE));
+    }
+    LRESULT Notify(UINT code) const
+    {
+        NMHDR header = {dialog, 0, code};
+        return CallProcedure(WM_NOTIFY, reinterpret_cast<LPARAM>(&header));
+    }
+    // What the dialog procedure itself answers: a dialog passes the answer to few messages on.
+    LRESULT CallProcedure(UINT message, LPARAM lParam = 0, WPARAM wParam = 0) const
+    {
+        const auto procedure = reinterpret_cast<DLGPROC>(GetWindowLongPtrW(dialog, DWLP_DLGPROC));
+        return procedure(dialog, message, wParam, lParam);
+    }
+
+    // The notifications that every page answers in the same way, confirming last.
+    void ExpectPageManners(HANDLE UIContext::*handle)
+    {
+        context.*handle = reinterpret_cast<HANDLE>(0xA0);
+        s_results.clear();
+        EXPECT_EQ(TRUE, Notify(PSN_RESET));
+        EXPECT_EQ(TRUE, Notify(PSN_SETACTIVE));
+        EXPECT_EQ(FALSE, Notify(PSN_KILLACTIVE));
+        EXPECT_EQ(FALSE, CallProcedure(WM_MOUSEMOVE));
+        EXPECT_EQ(TRUE, CallProcedure(WM_DESTROY));
+        EXPECT_EQ(Messages{}, s_results);
+        EXPECT_EQ(TRUE, Notify(PSN_APPLY));
+        EXPECT_EQ(Messages{"c0 9 a0 1"}, s_results);
+    }
+
+    static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
+    {
+        char text[64];
+        snprintf(text,
+                 sizeof(text),
+                 "%x %u %x %d",
+                 static_cast<unsigned>(reinterpret_cast<uintptr_t>(sheet)),
+                 function,
+                 static_cast<unsigned>(first),
+                 static_cast<int>(second));
+        s_results.emplace_back(text);
+        return 1;
+    }
+
+    inline static Messages s_results; // calls of the common property sheet interface
+    TestRegistry registry;
+    DeviceMode dm;
+    UIContext context = {};
+    PROPSHEETPAGEW page = {};
+    HWND owner = nullptr;
+    HWND dialog = nullptr;
+};
+
+} // namespace tsypr::test
+
+#endif
