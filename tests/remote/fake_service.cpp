@@ -28,6 +28,7 @@ struct ServiceCalls
     {
         explicit Entry(const std::string& call) : guard(g_service->m_lock)
         {
+            Sleep(g_service->delay);
             if (g_service->notesCalls)
             {
                 g_service->m_calls.push_back(call);

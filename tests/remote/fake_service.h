@@ -74,6 +74,7 @@ public:
     std::map<uint16_t, CapabilityReply> capabilities;
     std::map<uint32_t, PTReply> ptReplies; // by kind
     bool notesCalls = true;
+    DWORD delay = 0; // milliseconds that each call takes
 
     // The last input of each kind of print ticket question; a null pointer when absent.
     std::map<uint32_t, std::optional<Bytes>> ptInputs;

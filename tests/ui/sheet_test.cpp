@@ -1,0 +1,386 @@
+// The property sheet through the driver's export, from opening to the result.
+#include "tests/module/heap_blocks.h"
+#include "tests/remote/allocation_faults.h"
+#include "tests/ui/sheet_fixture.h"
+
+#include <set>
+
+namespace tsypr::test
+{
+namespace
+{
+
+#if __has_include("watermark/watermark_page.h")
+const std::vector<int> kAllPages = {112, 107, 117, 120, 121};
+#else
+const std::vector<int> kAllPages = {112, 107, 117, 120};
+#endif
+const std::vector<int> kCommonPages = {112, 107, 117, 120};
+
+class Sheet : public SheetTest
+{
+protected:
+    static DWORD StoredChoice()
+    {
+        DWORD value = 0xDEAD;
+        DWORD size = sizeof(value);
+        RegGetValueW(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice", RRF_RT_REG_DWORD, nullptr, &value, &size);
+        return value;
+    }
+};
+
+TEST_F(Sheet, HasItsPagesInOrder)
+{
+    struct Case
+    {
+        const wchar_t* driver;
+        std::vector<int> refused;
+        std::vector<int> pages;
+        ULONG_PTR result;
+    };
+    const Case cases[] = {{kOwnDriverName, {}, kAllPages, 0},
+                          {L"Tessary Universal EMF Driver ", {}, kCommonPages, 0},
+                          {L"tessary Universal EMF Driver", {107, 117}, {112, 120}, 0},
+                          {L"Other", kCommonPages, {}, 0x5A}};
+    for (const Case& one : cases)
+    {
+        g_spooler.text = one.driver;
+        log.Take();
+        FakeSheet sheet(header);
+        sheet.refused = one.refused;
+        EXPECT_EQ(1, sheet.Open());
+        EXPECT_EQ(one.pages, sheet.Templates());
+        EXPECT_EQ(one.result, sheet.info.Result);
+        EXPECT_EQ(one.driver, CurrentDriverName());
+        EXPECT_STREQ(L"Office Laser", sheet.Context().printerName);
+        EXPECT_EQ(out.Get(), sheet.Context().devMode);
+        EXPECT_EQ(L"Office Laser", Text(out.Private().printerName));
+        EXPECT_EQ(Messages{}, log.TakeErrors());
+    }
+    PROPSHEETUI_INFO untouched = {};
+    for (const WORD reason : {WORD{PROPSHEETUI_REASON_GET_INFO_HEADER}, WORD{PROPSHEETUI_REASON_GET_ICON}, WORD{5}})
+    {
+        untouched.Reason = reason;
+        PROPSHEETUI_INFO_HEADER title = {};
+        EXPECT_EQ(1, DrvDocumentPropertySheets(&untouched, reinterpret_cast<LPARAM>(&title)));
+        EXPECT_EQ(0, title.cbSize);
+    }
+}
+
+TEST_F(Sheet, TellsWhyItCannotBeShown)
+{
+    service.devMode.reset();
+    {
+        FakeSheet sheet(header);
+        log.Take();
+        EXPECT_EQ(0, sheet.Open());
+        EXPECT_EQ(0U, sheet.info.UserData);
+    }
+    EXPECT_EQ("error DrvDocumentPropertySheets, failed to retrieve devmode for printer Office Laser.",
+              log.TakeErrors().back());
+    service.devMode = dm.Whole();
+    header.pdmOut = nullptr;
+    EXPECT_EQ(0, FakeSheet(header).Open());
+    EXPECT_EQ(Messages{"error MergeAndCopyDM, dmOut and dmCurrent cannot be NULL."}, log.TakeErrors());
+
+    header.pdmOut = out.Get();
+    dm.Private().featureBitmap = 0;
+    service.devMode = dm.Whole();
+    std::set<std::string> errors;
+    bool happened = true;
+    for (long n = 0; happened; ++n)
+    {
+        FakeSheet sheet(header);
+        sheet.pages.reserve(8);
+        LONG opened = 0;
+        {
+            const AllocationFault fault(n);
+            opened = sheet.Open();
+            happened = fault.Happened();
+        }
+        const Messages lines = log.TakeErrors();
+        errors.insert(lines.begin(), lines.end());
+        EXPECT_TRUE(opened == 0 || !sheet.pages.empty());
+    }
+    for (const char* name :
+         {"layout", "paper", "advanced", "finishing", kAllPages.size() == 5 ? "compression" : "layout"})
+    {
+        EXPECT_TRUE(errors.contains("error DrvDocumentPropertySheets, failed to allocate memory for " +
+                                    std::string(name) + " page."));
+    }
+}
+
+TEST_F(Sheet, WritesTheResultFieldByField)
+{
+    constexpr DWORD kGiven = DM_FORMNAME | DM_DEFAULTSOURCE | DM_ORIENTATION | DM_DUPLEX | DM_MEDIATYPE;
+    constexpr DWORD kAlways = DM_PAPERSIZE | DM_PRINTQUALITY | DM_YRESOLUTION | DM_COPIES;
+    for (const DWORD given : {kGiven, DWORD{0}})
+    {
+        dm->dmFields = given;
+        service.devMode = dm.Whole();
+        DeviceMode in;
+        in->dmFields = given != 0 ? DM_COPIES | DM_COLLATE : 0;
+        in->dmCopies = 77;
+        in->dmCollate = DMCOLLATE_TRUE;
+        header.pdmIn = in.Get();
+        FakeSheet sheet(header);
+        sheet.Open();
+        UIContext& chosen = sheet.Context();
+        chosen.paperSize = 1;
+        std::fill_n(chosen.formName, 32, L'f');
+        chosen.paperSource = 4;
+        chosen.orientation = 2;
+        chosen.duplex = 3;
+        chosen.mediaType = 300;
+        chosen.color = 2;
+        chosen.printQuality = -4;
+        chosen.yResolution = 1200;
+        chosen.copies = 5;
+        chosen.printAsImage = 1;
+        chosen.showPreDialog = 1;
+        chosen.printChoice = 1;
+        chosen.compression = 3;
+        chosen.pagesPerSheet = 9;
+        chosen.nupDirectionIndex = 0;
+        chosen.stapleIndex = 1;
+        chosen.punchIndex = 1;
+        std::memset(&chosen.watermark, 0x41, sizeof(chosen.watermark));
+        const Bytes before = out.Whole();
+        EXPECT_EQ(1, sheet.TellResult(CPSUI_CANCEL));
+        EXPECT_EQ(before, out.Whole());
+        EXPECT_EQ(1, sheet.TellResult(CPSUI_OK));
+        EXPECT_EQ(kAlways | given | (given != 0 ? DM_COLLATE : 0U), out->dmFields);
+        const std::vector<int> set = {1, 4, 2, 3, 300, 2, -4, 1200, 5, 1};
+        const std::vector<int> unset = {1, 0, 1, 0, 0, 2, -4, 1200, 5, 0};
+        EXPECT_EQ(given != 0 ? set : unset,
+                  (std::vector<int>{out->dmPaperSize,
+                                    out->dmDefaultSource,
+                                    out->dmOrientation,
+                                    out->dmDuplex,
+                                    static_cast<int>(out->dmMediaType),
+                                    out->dmColor,
+                                    out->dmPrintQuality,
+                                    out->dmYResolution,
+                                    out->dmCopies,
+                                    out->dmCollate}));
+        EXPECT_EQ(given != 0 ? std::wstring(31, L'f') : L"A4", out->dmFormName);
+        const PrivateDevMode& block = out.Private();
+        EXPECT_EQ((std::vector<uint32_t>{1, 1, 1, 3, 9}),
+                  (std::vector<uint32_t>{block.isPrintAsImage,
+                                         block.isShowPreDlg,
+                                         block.printTargetChoice,
+                                         block.compression,
+                                         block.pagesPerSheet}));
+        EXPECT_EQ(L"psk:RightBottom", Text(block.nupLayout));
+        EXPECT_EQ(L"psk:SaddleStitch", Text(block.staple));
+        EXPECT_EQ(L"psk:LeftEdge", Text(block.punch));
+        EXPECT_EQ(0, std::memcmp(block.watermark, &chosen.watermark, kWatermarkBytes));
+        EXPECT_EQ(1U, StoredChoice());
+    }
+}
+
+TEST_F(Sheet, KeepsKeywordsWhereNothingIsChosen)
+{
+    const std::tuple<uint32_t, int, const wchar_t*, uint32_t> cases[] = {{kEveryFeature, -1, L"Office Laser", 9},
+                                                                         {kEveryFeature, 2, L"Office Laser", 9},
+                                                                         {kEveryFeature, 0, L"Unknown", 9},
+                                                                         {0, 0, L"Office Laser", 4}};
+    for (const auto& [features, index, printer, pages] : cases)
+    {
+        dm.Private().featureBitmap = features;
+        dm.Private().nupLayout.Write(L"kept");
+        dm.Private().staple.Write(L"kept");
+        dm.Private().punch.Write(L"kept");
+        service.devMode = dm.Whole();
+        FakeSheet sheet(header);
+        sheet.Open();
+        UIContext& chosen = sheet.Context();
+        chosen.pagesPerSheet = 9;
+        chosen.nupDirectionIndex = chosen.stapleIndex = chosen.punchIndex = index;
+        wcscpy(chosen.printerName, printer);
+        sheet.TellResult(CPSUI_OK);
+        EXPECT_EQ(L"keptkeptkept",
+                  Text(out.Private().nupLayout) + Text(out.Private().staple) + Text(out.Private().punch));
+        EXPECT_EQ(pages, out.Private().pagesPerSheet);
+    }
+}
+
+TEST_F(Sheet, GivesDimensionsOfCustomPaperOnly)
+{
+    const std::tuple<int16_t, int, int, bool> cases[] = {
+        {256, 500, 600, true}, {256, 0, 600, false}, {256, 500, 0, false}, {9, 500, 600, false}};
+    dm->dmFields |= DM_PAPERLENGTH | DM_PAPERWIDTH;
+    service.devMode = dm.Whole();
+    for (const auto& [size, width, length, set] : cases)
+    {
+        FakeSheet sheet(header);
+        sheet.Open();
+        sheet.Context().paperSize = size;
+        sheet.Context().customPaperWidth = width;
+        sheet.Context().customPaperLength = length;
+        sheet.TellResult(CPSUI_OK);
+        EXPECT_EQ(set ? DM_PAPERLENGTH | DM_PAPERWIDTH : 0U, out->dmFields & (DM_PAPERLENGTH | DM_PAPERWIDTH));
+        EXPECT_TRUE(!set || (out->dmPaperWidth == 500 && out->dmPaperLength == 600));
+    }
+}
+
+TEST_F(Sheet, RemembersThePrintChoiceUnlessAPolicyForbids)
+{
+    for (const DWORD lock : {1U, 0U})
+    {
+        SetBytes(HKEY_LOCAL_MACHINE, kPolicyKeyW, L"DisablePrintChoice", REG_DWORD, &lock, sizeof(lock));
+        FakeSheet sheet(header);
+        sheet.Open();
+        sheet.Context().printChoice = 1;
+        sheet.TellResult(CPSUI_OK);
+        EXPECT_EQ(lock != 0 ? 0xDEAD : 1U, StoredChoice());
+        EXPECT_EQ(1U, out.Private().printTargetChoice);
+    }
+}
+
+TEST_F(Sheet, KeepsTheFetchedDeviceModeWhileItIsOpen)
+{
+    header.pdmOut = nullptr;
+    header.fMode = 0;
+    FakeSheet sheet(header);
+    ASSERT_EQ(1, sheet.Open());
+    EXPECT_EQ(dm.Whole().size(), DevModeTotalSize(sheet.Context().devMode));
+    sheet.Show();
+    sheet.Choose(IDC_PAPER_SIZE, 1);
+    sheet.PressOk();
+    EXPECT_EQ(DMPAPER_LETTER, sheet.Context().devMode->dmPaperSize);
+}
+
+TEST_F(Sheet, OpensWithoutAPrivateBlock)
+{
+    dm.Private().signature = 0;
+    const Bytes bytes = dm.Whole();
+    service.devMode = bytes;
+    FakeSheet sheet(header);
+    ASSERT_EQ(1, sheet.Open());
+    sheet.Show();
+    sheet.Choose(IDC_ORIENTATION, 1);
+    sheet.PressOk();
+    EXPECT_EQ(DMORIENT_LANDSCAPE, out->dmOrientation);
+    const Bytes result = out.Whole();
+    EXPECT_TRUE(std::equal(bytes.begin() + 220, bytes.end(), result.begin() + 220)) << "nothing was written there";
+    EXPECT_EQ(0xDEAD, StoredChoice());
+}
+
+TEST_F(Sheet, TakesWhatTheUserChoosesOnEveryPage)
+{
+    header.fMode |= DM_IN_BUFFER;
+    header.pdmIn = out.Get(); // in place, as applications do
+    dm->dmFields = DM_ORIENTATION | DM_PAPERSIZE | DM_FORMNAME | DM_COLOR | DM_DUPLEX;
+    service.devMode = dm.Whole();
+    out = dm;
+    for (const bool confirmed : {false, true})
+    {
+        FakeSheet sheet(header);
+        ASSERT_EQ(1, sheet.Open());
+        sheet.Show();
+        const std::pair<int, WPARAM> choices[] = {{IDC_ORIENTATION, 1},
+                                                  {IDC_DUPLEX, 2},
+                                                  {IDC_PAPER_SIZE, 1},
+                                                  {IDC_PAPER_SOURCE, 1},
+                                                  {IDC_COLOR, 1},
+                                                  {IDC_PRINT_QUALITY, 1},
+                                                  {IDC_COMPRESSION, 2},
+                                                  {IDC_STAPLE, 1},
+                                                  {IDC_PUNCH, 0}};
+        for (const auto& [list, position] : choices)
+        {
+            sheet.Choose(list, position);
+        }
+        const DEVMODEW before = *out.Get();
+        if (confirmed)
+        {
+            sheet.PressOk();
+            EXPECT_EQ(static_cast<int>(kAllPages.size()), sheet.results);
+        }
+        EXPECT_EQ(confirmed, std::memcmp(&before, out.Get(), sizeof(before)) != 0);
+    }
+    EXPECT_EQ((std::vector<int>{2, 3, 1, 4, 2, 600, 600, 1, 2}),
+              (std::vector<int>{out->dmOrientation,
+                                out->dmDuplex,
+                                out->dmPaperSize,
+                                out->dmDefaultSource,
+                                out->dmColor,
+                                out->dmPrintQuality,
+                                out->dmYResolution,
+                                out->dmCopies,
+                                static_cast<int>(out.Private().compression)}));
+    EXPECT_STREQ(L"Letter", out->dmFormName);
+    EXPECT_EQ(L"psk:SaddleStitch", Text(out.Private().staple));
+    EXPECT_EQ(L"psk:None", Text(out.Private().punch));
+}
+
+// The calls of docs/preferences-dialog.md. The service takes its time for each, and hardly any more is added.
+TEST_F(Sheet, AsksTheServiceNoMoreThanItMust)
+{
+    const auto list = [](const std::string& index) {
+        return Messages{"open Office Laser", "caps " + index, "close", "freeCaps"};
+    };
+    const auto number = [](const std::string& index) {
+        return Messages{"open Office Laser", "caps " + index, "close"};
+    };
+    Messages expected = {"open Office Laser", "getDevMode", "close", "freeDevMode"};
+    const Messages prefetch = {"open Office Laser", "query DM2PT", "query PT2PC", "freePT", "freePT", "close"};
+    expected.insert(expected.end(), prefetch.begin(), prefetch.end());
+    const size_t beforePages = expected.size();
+    for (const Messages& calls : {number("17"),
+                                  number("7"),
+                                  list("12"),
+                                  list("6"),
+                                  list("16"),
+                                  list("2"),
+                                  number("32"),
+                                  list("13"),
+                                  number("18")})
+    {
+        expected.insert(expected.end(), calls.begin(), calls.end());
+    }
+    service.delay = 50;
+    FakeSheet sheet(header);
+    const ULONGLONG begin = GetTickCount64();
+    ASSERT_EQ(1, sheet.Open());
+    const ULONGLONG opened = GetTickCount64();
+    sheet.Show();
+    const ULONGLONG shown = GetTickCount64();
+    service.delay = 0;
+    EXPECT_EQ(expected, service.TakeCalls());
+    const auto own = static_cast<int>(shown - begin) - 50 * static_cast<int>(expected.size());
+    RecordProperty("ownMilliseconds", own);
+    EXPECT_GE(static_cast<int>(opened - begin), 50 * static_cast<int>(beforePages) - 50);
+    EXPECT_LT(own, 1000);
+}
+
+// The pages are made on every tenth opening, which takes most of the time, or on each with TESSARY_SHOW_ALWAYS.
+TEST_F(Sheet, OpensManyTimesWithoutGrowth)
+{
+    service.notesCalls = false;
+    LogStop();
+    const int showEvery = std::getenv("TESSARY_SHOW_ALWAYS") != nullptr ? 1 : 10;
+    const auto open = [&](int times)
+    {
+        for (int i = 0; i < times; ++i)
+        {
+            FakeSheet sheet(header);
+            sheet.Open();
+            if (i % showEvery == 0)
+            {
+                sheet.Show();
+                sheet.PressOk();
+            }
+        }
+        return std::pair(LiveAllocations(), BusyBlocks());
+    };
+    open(11);
+    const auto [live, blocks] = open(11);
+    const auto [liveLater, blocksLater] = open(500);
+    EXPECT_EQ(live, liveLater);
+    EXPECT_LT(blocksLater, blocks + 50);
+}
+
+} // namespace
+} // namespace tsypr::test
