@@ -12,6 +12,9 @@ namespace tsypr::bench
 // Lines that do go to the file, against other ways to write them.
 void MeasureLogLines(Report& report);
 
+// Messages of the module into a fixed buffer, against the C library's formatter.
+void MeasureFormatter(Report& report);
+
 } // namespace tsypr::bench
 
 #endif

@@ -21,6 +21,7 @@ struct Bench
 };
 
 constexpr Bench kBenches[] = {
+    {"format", MeasureFormatter},
     {"log", MeasureLogLines},
 };
 

@@ -59,13 +59,26 @@ void FormatNext(TextBuffer& out, Conversion& conversion, Arguments& arguments) n
     FormatValue(out, conversion, TakeArgument(conversion.kind, arguments));
 }
 
-const char* FindPercent(const char* text) noexcept
+// Handles the conversions of which messages are made, when they come without anything else; false for all others.
+bool FormatPlain(TextBuffer& out, char type, Arguments& arguments) noexcept
 {
-    while (*text != '\0' && *text != '%')
+    switch (type)
     {
-        ++text;
+    case 's':
+        AppendText(out, va_arg(arguments.list, const char*));
+        return true;
+    case 'S':
+        AppendWideText(out, va_arg(arguments.list, const Utf16Unit*));
+        return true;
+    case 'd':
+        AppendDecimal(out, va_arg(arguments.list, int));
+        return true;
+    case 'x':
+        AppendHex(out, va_arg(arguments.list, unsigned));
+        return true;
+    default:
+        return false;
     }
-    return text;
 }
 
 void FormatAll(TextBuffer& out, const char* format, Arguments& arguments) noexcept
@@ -73,11 +86,16 @@ void FormatAll(TextBuffer& out, const char* format, Arguments& arguments) noexce
     bool tookArguments = false;
     while (true)
     {
-        const char* percent = FindPercent(format);
-        out.Append(format, static_cast<size_t>(percent - format));
+        const char* percent = out.AppendUntil(format, '%');
         if (*percent == '\0')
         {
             return;
+        }
+        if (FormatPlain(out, percent[1], arguments))
+        {
+            tookArguments = true;
+            format = percent + 2;
+            continue;
         }
         Conversion conversion;
         const char* after = ParseConversion(percent + 1, conversion);
@@ -93,7 +111,7 @@ void FormatAll(TextBuffer& out, const char* format, Arguments& arguments) noexce
         }
         else if (conversion.type == '%')
         {
-            out.Append("%", 1);
+            out.Append('%');
         }
         else
         {

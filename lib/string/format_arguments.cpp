@@ -132,9 +132,7 @@ void FormatNumbered(TextBuffer& out, const char* format, Arguments& arguments) n
     found.Fetch(arguments);
     for (const char* p = format; *p != '\0';)
     {
-        const size_t plain = std::strcspn(p, "%");
-        out.Append(p, plain);
-        p += plain;
+        p = out.AppendUntil(p, '%');
         if (*p == '\0')
         {
             return;
@@ -143,7 +141,7 @@ void FormatNumbered(TextBuffer& out, const char* format, Arguments& arguments) n
         const char* after = ParseConversion(p + 1, conversion);
         if (conversion.type == '%')
         {
-            out.Append("%", 1);
+            out.Append('%');
         }
         else if (!FormatOne(out, conversion, found))
         {

@@ -3,6 +3,7 @@
 #define TESSARY_LIB_STRING_FORMAT_CONVERSION_H
 
 #include "lib/string/text_buffer.h"
+#include "lib/unicode/utf16.h"
 
 #include <cstdarg>
 #include <cstddef>
@@ -95,6 +96,12 @@ void FormatFloat(TextBuffer& out, const Conversion& conversion, double value) no
 void FormatCharacter(TextBuffer& out, const Conversion& conversion, uint64_t value) noexcept;
 void FormatText(TextBuffer& out, const Conversion& conversion, const void* value) noexcept;
 void FormatWideText(TextBuffer& out, const Conversion& conversion, const void* value) noexcept;
+
+// The same for "%s", "%S", "%d" and "%x" without anything else.
+void AppendText(TextBuffer& out, const char* text) noexcept;
+void AppendWideText(TextBuffer& out, const Utf16Unit* text) noexcept;
+void AppendDecimal(TextBuffer& out, int value) noexcept;
+void AppendHex(TextBuffer& out, unsigned value) noexcept;
 
 // Puts sign or prefix, then zeros, then digits into the field. Zeros that fill the field follow the prefix, unless
 // there is a precision.

@@ -92,6 +92,22 @@ void AppendNumber(TextBuffer& out,
     }
 }
 
+void AppendDecimal(TextBuffer& out, int value) noexcept
+{
+    DigitRoom room;
+    const auto end = std::to_chars(std::begin(room), std::end(room), value).ptr;
+    *end = '\0';
+    out.AppendUntil(room, '\0');
+}
+
+void AppendHex(TextBuffer& out, unsigned value) noexcept
+{
+    DigitRoom room;
+    const auto end = std::to_chars(std::begin(room), std::end(room), value, 16).ptr;
+    *end = '\0';
+    out.AppendUntil(room, '\0');
+}
+
 void FormatInteger(TextBuffer& out, const Conversion& conversion, uint64_t value) noexcept
 {
     const unsigned unused = 64U - conversion.integerBits;

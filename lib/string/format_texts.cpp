@@ -65,8 +65,36 @@ size_t AppendAsciiRun(TextBuffer& out, const Utf16Unit* text) noexcept
     return length;
 }
 
-void AppendWhole(TextBuffer& out, const Utf16Unit* text) noexcept
+} // namespace
+
+void AppendText(TextBuffer& out, const char* text) noexcept
 {
+    if (text == nullptr)
+    {
+        out.Append(kNullText);
+        return;
+    }
+    const char* end = out.AppendUntil(text, '\0');
+    if (end == text || static_cast<unsigned char>(end[-1]) < 0x80 || out.Cut())
+    {
+        return;
+    }
+    const auto length = static_cast<size_t>(end - text);
+    const size_t whole = WholeCharacters(text, length);
+    if (whole != length)
+    {
+        out.Truncate(out.View().size() - (length - whole));
+        out.Append(kReplacementUtf8);
+    }
+}
+
+void AppendWideText(TextBuffer& out, const Utf16Unit* text) noexcept
+{
+    if (text == nullptr)
+    {
+        out.Append(kNullText);
+        return;
+    }
     while (true)
     {
         size_t taken = 0;
@@ -84,8 +112,6 @@ void AppendWhole(TextBuffer& out, const Utf16Unit* text) noexcept
         text += units;
     }
 }
-
-} // namespace
 
 size_t WholeCharacters(const char* text, size_t length) noexcept
 {
@@ -125,11 +151,6 @@ void FormatWideText(TextBuffer& out, const Conversion& conversion, const void* v
         return;
     }
     const auto* text = static_cast<const Utf16Unit*>(value);
-    if (conversion.width == 0 && !conversion.hasPrecision)
-    {
-        AppendWhole(out, text);
-        return;
-    }
     const size_t limit = conversion.hasPrecision ? conversion.precision : SIZE_MAX;
     size_t length = 0;
     ForEachCharacter(text, limit, [&](const char*, size_t count) { length += count; });
