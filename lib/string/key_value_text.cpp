@@ -219,7 +219,7 @@ LineKind KeyValueReader::ParseLine(std::string_view line)
     }
     m_key = Trim(line.substr(0, equals));
     m_quoted = Trim(line.substr(equals + 1));
-    const bool whole = !m_key.empty() && Unquote(m_quoted, m_value);
+    const bool whole = IsWritableKey(m_key) && Unquote(m_quoted, m_value);
     return whole && line.find('\0') == std::string_view::npos && IsUtf8(line) ? LineKind::Setting : LineKind::Damaged;
 }
 

@@ -3,7 +3,8 @@
 // Lines that begin with "#" and empty lines are comments. Blanks around key and value do not count. In a value \" is a
 // quote, \\ a backslash and \<0A> the byte with that hexadecimal number; every other backslash stands for itself, so
 // that Windows paths need no doubling. Lines end with LF or CR LF, and a byte-order mark may come first. A line of
-// another form is damaged, and so is one that is not well-formed UTF-8 or has a NUL in it.
+// another form is damaged, and so is one that is not well-formed UTF-8, has a NUL in it or a key that cannot be
+// written.
 #ifndef TESSARY_LIB_STRING_KEY_VALUE_TEXT_H
 #define TESSARY_LIB_STRING_KEY_VALUE_TEXT_H
 
