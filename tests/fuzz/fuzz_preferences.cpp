@@ -116,6 +116,9 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size)
         key = "a";
     }
     CheckSet(file, key, value);
-    CheckRemove(file, key);
+    if (file.find("\n\xEF\xBB\xBF") == std::string::npos) // removing may need an empty line before that
+    {
+        CheckRemove(file, key);
+    }
     return 0;
 }

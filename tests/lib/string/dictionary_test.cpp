@@ -184,29 +184,20 @@ TEST(KeyValueText, RewritingChangesOneValue)
         std::optional<std::string_view> value; // of "a"; none: removed
         std::string after;
     };
+    const std::string mark = "\xEF\xBB\xBF";
     const Case cases[] = {
         {"", "1", "a = \"1\"\n"},
         {"", {}, ""},
-        {"\xEF\xBB\xBF",
-         "1",
-         "\xEF\xBB\xBF"
-         "a = \"1\"\n"},
+        {mark, "1", mark + "a = \"1\"\n"},
         {"# c\r\nb=\"2\"", "1", "# c\r\nb=\"2\"\r\na = \"1\"\r\n"},
         {"b", "1", "b\na = \"1\"\n"},
         {"\n\n  a\t= \"0\"  \r\n#a = \"0\"\nA = \"0\"\n", "1", "\n\n  a\t= \"1\"  \r\n#a = \"0\"\nA = \"0\"\n"},
         {"a = \"0\"\na = \"damaged\nb = \"2\"\na=\"3\"\n", "1", "a = \"0\"\na = \"damaged\nb = \"2\"\na=\"1\"\n"},
         {"a = \"0\"\na = \"damaged\nb = \"2\"\na=\"3\"", {}, "a = \"damaged\nb = \"2\"\n"},
-        {"\xEF\xBB\xBF"
-         "a=\"0\"\nb=\"2\"\n",
-         "\"\n",
-         "\xEF\xBB\xBF"
-         "a=\"\\\"\\<0A>\"\nb=\"2\"\n"},
-        {"\xEF\xBB\xBF"
-         "a=\"0\"\r\nb=\"2\"\n",
-         {},
-         "\xEF\xBB\xBF"
-         "b=\"2\"\n"},
-        {"a = \"\\<41>\"", "A", "a = \"\\<41>\""}, // the value is the same already
+        {mark + "a=\"0\"\nb=\"2\"\n", "\"\n", mark + "a=\"\\\"\\<0A>\"\nb=\"2\"\n"},
+        {mark + "a=\"0\"\r\nb=\"2\"\n", {}, mark + "b=\"2\"\n"},
+        {"a=\"0\"\n" + mark + "a=\"2\"\n", {}, "\n" + mark + "a=\"2\"\n"}, // a damaged line stays one
+        {"a = \"\\<41>\"", "A", "a = \"\\<41>\""},                         // the value is the same already
         {"a = \"\"\xE4\n", "1", "a = \"\"\xE4\na = \"1\"\n"}};
     for (const Case& c : cases)
     {
