@@ -180,11 +180,11 @@ constexpr auto kKindOfType = []
     std::array<Kind, 128> kinds{};
     for (const char c : std::string_view("diuxXocC"))
     {
-        kinds[static_cast<size_t>(c)] = Kind::Int;
+        kinds[static_cast<unsigned char>(c)] = Kind::Int;
     }
     for (const char c : std::string_view("fFeEgGaA"))
     {
-        kinds[static_cast<size_t>(c)] = Kind::Double;
+        kinds[static_cast<unsigned char>(c)] = Kind::Double;
     }
     kinds['s'] = Kind::Text;
     kinds['S'] = Kind::WideText;

@@ -94,17 +94,15 @@ void AppendNumber(TextBuffer& out,
 
 void AppendDecimal(TextBuffer& out, int value) noexcept
 {
-    DigitRoom room;
-    const auto end = std::to_chars(std::begin(room), std::end(room), value).ptr;
-    *end = '\0';
+    DigitRoom room = {};
+    std::to_chars(std::begin(room), std::end(room), value);
     out.AppendUntil(room, '\0');
 }
 
 void AppendHex(TextBuffer& out, unsigned value) noexcept
 {
-    DigitRoom room;
-    const auto end = std::to_chars(std::begin(room), std::end(room), value, 16).ptr;
-    *end = '\0';
+    DigitRoom room = {};
+    std::to_chars(std::begin(room), std::end(room), value, 16);
     out.AppendUntil(room, '\0');
 }
 

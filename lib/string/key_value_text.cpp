@@ -175,11 +175,9 @@ std::string WithoutKey(std::string_view text, std::string_view key)
             out.append(kByteOrderMark);
         }
     }
-    if (out.starts_with(kByteOrderMark) && !text.starts_with(kByteOrderMark))
-    {
-        out.insert(0, "\n"); // what is no byte-order mark in the middle must not become one
-    }
-    return out;
+    // What is no byte-order mark in the middle must not become one.
+    const bool hidesMark = out.starts_with(kByteOrderMark) && !text.starts_with(kByteOrderMark);
+    return hidesMark ? std::string("\n").append(out) : out;
 }
 
 } // namespace

@@ -106,7 +106,7 @@ void ReadSystem(SystemInfo& info)
 void ReadNames(SystemInfo& info)
 {
     wchar_t host[256] = {};
-    DWORD length = static_cast<DWORD>(std::size(host));
+    auto length = static_cast<DWORD>(std::size(host));
     if (GetComputerNameExW(ComputerNamePhysicalDnsHostname, host, &length) != FALSE)
     {
         SetIfKnown(info.hostName, host);
