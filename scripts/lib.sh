@@ -76,3 +76,14 @@ fresh_prefix() {
   fi
   cp -a --reflink=auto -- "$prefixes/base" "$prefix"
 }
+
+# repair_documents PREFIX-DIRECTORY PRESET: has the prefix make XML documents with the preset's tools/domrepair, which
+# brings Wine's to Windows' documented behaviour. Prefixes are made before it is built, and Wine sets the value back when
+# it updates a prefix, so this comes at every start. Does nothing when the preset has not built it.
+repair_documents() {
+  local dll="$build/$2/bin/tsydomrepair.dll"
+  [ -e "$dll" ] || return 0
+  TESSARY_PREFIX=$1 scripts/wine-run.sh reg add \
+    'HKLM\Software\Classes\CLSID\{88D96A05-F192-11D4-A65F-0040963251E5}\InprocServer32' \
+    /ve /d "Z:${dll//\//\\}" /f </dev/null >/dev/null
+}

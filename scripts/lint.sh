@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
-# Checks sources and built files without running the tests: lint.sh [--changed]
-# --changed limits clang-tidy, the slow part, to what differs from the last commit. Every check runs, whatever failed
-# before it; the status is non-zero unless all passed.
+# Checks sources and built files without running the tests: lint.sh [--changed | --all]
+# clang-tidy, the slow part, looks at the code that runs in users' processes; with --all also at tools, tests and
+# benchmarks, with --changed only at what differs from the last commit. Every check runs, whatever failed before it; the
+# status is non-zero unless all passed.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 
 tidy=()
 while [ $# -gt 0 ]; do
   case $1 in
-    --changed) tidy=(--changed) ;;
-    *) die "unknown argument $1 (lint.sh [--changed])" ;;
+    --changed | --all) tidy=("$1") ;;
+    *) die "unknown argument $1 (lint.sh [--changed | --all])" ;;
   esac
   shift
 done
@@ -41,7 +42,7 @@ check() {
   step "$@" || failed=$((failed + 1))
 }
 
-step_total=6
+step_total=7
 check lint-text "text rules of ${#files[@]} files" python3 scripts/lint_text.py "${files[@]}"
 check lint-format "format of ${#sources[@]} C++ files" clang-format --dry-run --Werror "${sources[@]}"
 check lint-shell "${#shells[@]} shell scripts" shellcheck -x "${shells[@]}"
@@ -49,6 +50,8 @@ check lint-python "${#pythons[@]} Python scripts" check_python
 # The rest looks at what the builds made.
 if bash scripts/build.sh native-tests mingw-release; then
   check lint-pe "built Windows files" python3 scripts/lint_pe.py "$build/mingw-release/bin" module/tsyprui.def
+  check lint-templates "dialog templates" python3 -B language/check_templates.py --header language/resource_ids.h \
+    --controls language/template_controls.txt "$build"/mingw-release/bin/tsyprUI_*.dll
   check lint-tidy "clang-tidy" python3 scripts/lint_tidy.py "${tidy[@]}"
 else
   failed=$((failed + 1))

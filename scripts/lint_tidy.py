@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over our sources, each once: lint_tidy.py [--changed] [--jobs N] [FILE ...]
+"""Runs clang-tidy over our sources, each once: lint_tidy.py [--changed | --all] [--jobs N] [FILE ...]
+
+Without an argument it takes the sources of what runs in users' processes. --all takes every source.
 
 The flags come from the compile databases of the presets mingw-release and native-tests, which must be configured. A
 source that both build is checked as Windows code. GCC's own flags are dropped, and clang is told where the
@@ -20,6 +22,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 GCC_ONLY = re.compile(r"-f(no-)?sanitize|-Wnull-dereference|-fdiagnostics-color|-Winvalid-pch")
+# What never runs in a user's process.
+WORKSHOP = ("bench", "tests", "tools")
 LINE = re.compile(r"^.+:\d+:\d+: (warning|error): ")
 
 
@@ -111,6 +115,7 @@ def check(source):
 def main():
     parser = argparse.ArgumentParser(description="clang-tidy over our sources")
     parser.add_argument("--changed", action="store_true", help="only what differs from the last commit")
+    parser.add_argument("--all", action="store_true", help="tools, tests and benchmarks, too")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--times", action="store_true", help="print the processor seconds that each source took")
     parser.add_argument("files", nargs="*", help="only these sources")
@@ -122,6 +127,8 @@ def main():
         sources = [source for source in sources if source in wanted]
     elif options.changed:
         sources = changed_only(sources)
+    elif not options.all:
+        sources = [source for source in sources if source.relative_to(ROOT).parts[0] not in WORKSHOP]
     # One finding in a header shows in every source that includes it; it is printed once.
     seen = set()
     failed = 0

@@ -16,7 +16,7 @@ while [ $# -gt 0 ]; do
   shift
 done
 # The native build comes first: its importer makes printer profiles that the Windows tests read.
-[ "${#presets[@]}" -gt 0 ] || presets=(native-tests native-tests-tsan mingw-release mingw-debug)
+[ "${#presets[@]}" -gt 0 ] || presets=(native-tests native-tests-tsan native-fuzz mingw-release mingw-debug)
 
 export ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1
 export UBSAN_OPTIONS=print_stacktrace=1
@@ -46,6 +46,7 @@ test_preset() {
     touch "$results/build-failed"
     return 1
   fi
+  case $preset in mingw-*) repair_documents "$prefixes/test" "$preset" ;; esac
   run_tests "$preset" >"$logs/test-$preset.log" 2>&1 </dev/null
 }
 

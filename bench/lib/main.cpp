@@ -22,7 +22,9 @@ struct Bench
 
 constexpr Bench kBenches[] = {
     {"format", MeasureFormatter},
+    {"lock", MeasureLocks},
     {"log", MeasureLogLines},
+    {"codeset", MeasureCodeSets},
 };
 
 struct Options

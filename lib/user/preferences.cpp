@@ -16,29 +16,18 @@ namespace
 
 constexpr char kFileName[] = "preferences.conf";
 
+constexpr int kStoreRank = 20; // files are read under it
+
 struct Store
 {
-    ExclusiveLock lock;
+    ExclusiveLock lock{"preferences", kStoreRank};
     bool started = false;
     Dictionary* values = nullptr; // null until the first question
 };
 
 constinit Store g_store;
 
-class StoreGuard
-{
-public:
-    StoreGuard() noexcept
-    {
-        g_store.lock.Acquire();
-    }
-    ~StoreGuard()
-    {
-        g_store.lock.Release();
-    }
-    StoreGuard(const StoreGuard&) = delete;
-    StoreGuard& operator=(const StoreGuard&) = delete;
-};
+using StoreGuard = ScopedLock<ExclusiveLock>;
 
 FileResult Failure(FileError error) noexcept
 {
@@ -89,7 +78,7 @@ FileResult Change(PreferenceScope scope, std::string_view key, const std::string
     }
     const FileResult result = value != nullptr ? SetPreferenceInFile(path.c_str(), key, *value, lockMs)
                                                : RemovePreferenceFromFile(path.c_str(), key, lockMs);
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     Forget();
     return result;
 }
@@ -109,13 +98,13 @@ size_t ParsePreferences(std::string_view text, Dictionary& out) noexcept
 
 void PreferencesStart() noexcept
 {
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     g_store.started = true;
 }
 
 void PreferencesStop() noexcept
 {
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     Forget();
     g_store.started = false;
 }
@@ -123,7 +112,7 @@ void PreferencesStop() noexcept
 bool ReadPreference(std::string_view key, std::string& value) noexcept
 {
     value.clear();
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     if (!g_store.started)
     {
         return false;
@@ -147,7 +136,7 @@ bool ReadPreference(std::string_view key, std::string& value) noexcept
 
 FileResult PreferencesReload(PreferenceReport* report) noexcept
 {
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     if (!g_store.started)
     {
         return Failure(FileError::InvalidArgument);
