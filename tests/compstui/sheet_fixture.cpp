@@ -14,7 +14,7 @@ namespace tsypr::compstui_tests
 namespace
 {
 
-constexpr DWORD kPatience = 10000;
+constexpr DWORD kPatience = 30000;
 
 BOOL CALLBACK KeepSheet(HWND window, LPARAM found)
 {
