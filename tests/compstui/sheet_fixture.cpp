@@ -112,6 +112,10 @@ User::User(std::vector<int> buttons, DWORD sheetThread)
     : m_thread(
           [buttons = std::move(buttons), sheetThread]
           {
+              if (buttons.empty())
+              {
+                  return;
+              }
               HWND sheet = nullptr;
               for (const DWORD begin = GetTickCount(); sheet == nullptr && GetTickCount() - begin < kPatience; Sleep(1))
               {
