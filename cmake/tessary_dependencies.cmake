@@ -12,6 +12,20 @@ endforeach()
 add_library(tessary_thirdparty INTERFACE)
 target_include_directories(tessary_thirdparty SYSTEM INTERFACE ${thirdparty})
 
+# Expat parses XML: natively the packaged library, for Windows what scripts/expat.sh makes of its packaged sources.
+add_library(tessary_expat INTERFACE)
+if(WIN32)
+  set(expat ${CMAKE_SOURCE_DIR}/build/expat)
+  if(NOT EXISTS ${expat}/stamp)
+    message(FATAL_ERROR "${expat} is missing: run scripts/setup.sh")
+  endif()
+  target_include_directories(tessary_expat SYSTEM INTERFACE ${expat}/include)
+  target_compile_definitions(tessary_expat INTERFACE XML_STATIC)
+  target_link_libraries(tessary_expat INTERFACE ${expat}/lib/libexpat.a)
+else()
+  target_link_libraries(tessary_expat INTERFACE expat)
+endif()
+
 # GoogleTest is built from the packaged sources with our toolchain.
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)

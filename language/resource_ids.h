@@ -9,6 +9,52 @@
 #define IDB_LOGO 118
 #define IDB_BLANK_PAGE 122
 
+// Pages of the printing preferences
+#define IDD_PAPER 107
+#define IDD_LAYOUT 112
+#define IDD_ADVANCED 117
+#define IDD_FINISHING 120
+#define IDD_WATERMARK 121
+
+// Layout page
+#define IDC_ORIENTATION 1027
+#define IDC_DUPLEX 1028
+#define IDC_ORIENTATION_PICTURE 1029
+#define IDC_PAGES_PER_SHEET 1042
+#define IDC_PAGE_ORDER 1043
+
+// Paper and quality page
+#define IDC_PAPER_SIZE 1026
+#define IDC_MEDIACOMBO 1031
+#define IDC_COLOR 1032
+#define IDC_PRINT_QUALITY 1033
+#define IDC_PAPER_SOURCE 1044
+#define IDC_MEDIALABEL 1047
+
+// Advanced page
+#define IDC_PRINT_ON_CLIENT 1039
+#define IDC_PREVIEW_ON_CLIENT 1040
+#define IDC_LOGO 1041
+#define IDC_COMPRESSION 1048
+#define IDC_PRE_DIALOG 1101
+#define IDC_PRINT_AS_IMAGE 1102
+#define IDC_COPIES 1201
+#define IDC_COPIES_SPIN 1301
+
+// Finishing page
+#define IDC_STAPLE 1045
+#define IDC_PUNCH 1046
+
+// Watermark page
+#define IDC_WATERMARK_TEXT 1049
+#define IDC_WATERMARK_PREVIEW 1050
+#define IDC_WATERMARK_FONT 1051
+#define IDC_WATERMARK_ADD 1052
+#define IDC_WATERMARK_DELETE 1053
+#define IDC_WATERMARK_IN_FRONT 1056
+#define IDC_WATERMARK_BEHIND 1057
+#define IDC_WATERMARK_FIRST_PAGE 1058
+
 // Layout page: orientation
 #define IDS_PORTRAIT 2001
 #define IDS_LANDSCAPE 2002

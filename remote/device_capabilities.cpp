@@ -1,13 +1,13 @@
 #include "remote/device_capabilities.h"
 
 #include "module/log.h"
-#include "module/malloc_ptr.h"
+#include "remote/capability_list.h"
 #include "remote/private_devmode.h"
 #include "remote/remote_printer_service.h"
 
 #include <wingdi.h>
 
-#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace tsypr
@@ -15,44 +15,13 @@ namespace tsypr
 namespace
 {
 
-// A list that came from the client: whole entries inside the returned bytes, whatever count the client claims.
-class CapabilityList
+// A list of the printer that the device mode names in its private block.
+CapabilityList ListOf(const DEVMODEW* dm, uint16_t capIndex, size_t entrySize) noexcept
 {
-public:
-    CapabilityList(const DEVMODEW* dm, uint16_t capIndex, size_t entrySize) noexcept : m_entrySize(entrySize)
-    {
-        const PrivateDevMode* block = GetPrivateDevMode(dm);
-        const auto name = block != nullptr ? block->printerName.Read() : FixedText<kPrinterNameChars>{};
-        void* data = nullptr;
-        uint32_t size = 0;
-        const int32_t count = GetDeviceCapabilitiesData(name.text, capIndex, dm, &data, &size);
-        m_data.reset(static_cast<unsigned char*>(data));
-        m_read = count != -1;
-        m_count = count > 0 ? std::min(static_cast<size_t>(count), size / entrySize) : 0;
-    }
-
-    bool Read() const noexcept
-    {
-        return m_read;
-    }
-    size_t Count() const noexcept
-    {
-        return m_count;
-    }
-    template <typename Entry>
-    Entry At(size_t index) const noexcept
-    {
-        Entry entry;
-        std::memcpy(&entry, m_data.get() + index * m_entrySize, sizeof(entry));
-        return entry;
-    }
-
-private:
-    MallocPtr<unsigned char> m_data;
-    size_t m_entrySize;
-    size_t m_count = 0;
-    bool m_read = false;
-};
+    const PrivateDevMode* block = GetPrivateDevMode(dm);
+    const auto name = block != nullptr ? block->printerName.Read() : FixedText<kPrinterNameChars>{};
+    return {name.text, capIndex, dm, entrySize};
+}
 
 template <typename Entry>
 bool FindFirst(const CapabilityList& list, Entry wanted, uint32_t* outIndex) noexcept
@@ -127,7 +96,7 @@ int32_t GetDeviceCapabilitiesData(
 bool GetMatchedPaperSizeIndex(uint32_t* outIndex, int16_t paperSize, const DEVMODEW* pDevMode) noexcept
 {
     *outIndex = kNoIndex;
-    const CapabilityList papers(pDevMode, DC_PAPERS, sizeof(int16_t));
+    const CapabilityList papers = ListOf(pDevMode, DC_PAPERS, sizeof(int16_t));
     if (!papers.Read())
     {
         LogError("%s, failed to retrieve capabilities for DC_PAPERS.\n", "GetMatchedPaperSizeIndex");
@@ -139,7 +108,7 @@ bool GetMatchedPaperSizeIndex(uint32_t* outIndex, int16_t paperSize, const DEVMO
 bool GetMatchedMediaTypeIndex(uint32_t* outIndex, uint32_t mediaType, const DEVMODEW* pDevMode) noexcept
 {
     *outIndex = kNoIndex;
-    const CapabilityList types(pDevMode, DC_MEDIATYPES, sizeof(uint32_t));
+    const CapabilityList types = ListOf(pDevMode, DC_MEDIATYPES, sizeof(uint32_t));
     if (!types.Read())
     {
         LogError("%s, failed to retrieve capabilities for DC_MEDIATYPES.\n", "GetMatchedMediaTypeIndex");
@@ -158,7 +127,7 @@ bool GetMatchedMediaTypeIndex(uint32_t* outIndex, uint32_t mediaType, const DEVM
 
 bool GetPaperDimensionByIndex(uint32_t index, const DEVMODEW* pDevMode, POINT* dimension) noexcept
 {
-    const CapabilityList sizes(pDevMode, DC_PAPERSIZE, sizeof(POINT));
+    const CapabilityList sizes = ListOf(pDevMode, DC_PAPERSIZE, sizeof(POINT));
     if (!sizes.Read() || index >= sizes.Count())
     {
         LogError("%s, failed to retrieve capabilities for DC_PAPERSIZE.\n", "GetPaperDimensionByIndex");

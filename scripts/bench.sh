@@ -16,5 +16,6 @@ bash scripts/build.sh mingw-release -- "$program"
 trap 'stop_wineserver "$prefixes/bench"' EXIT
 fresh_prefix bench
 start_wineserver "$prefixes/bench"
+repair_documents "$prefixes/bench" mingw-release
 export TESSARY_PREFIX="$prefixes/bench"
 scripts/wine-run.sh "$build/mingw-release/bin/$program.exe" "$@"

@@ -27,7 +27,7 @@ printctl() {
 heading "Set-up and build"
 bash scripts/setup.sh
 bash scripts/build.sh native-tests -- imported_printers
-bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_libraries
+bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_libraries tsydomrepair
 
 heading "The printers"
 # The imported printer, and the same one with an administrator's lock on two-sided printing.
@@ -40,6 +40,7 @@ prefix="$prefixes/demo"
 fresh_prefix demo
 trap 'stop_wineserver "$prefix"' EXIT
 start_wineserver "$prefix"
+repair_documents "$prefix" mingw-release
 export TESSARY_PREFIX=$prefix
 # Everything that the module has to say; without this value the log holds failures and the main events only.
 scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v LogLevel /d verbose /f >/dev/null

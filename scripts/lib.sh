@@ -77,6 +77,17 @@ fresh_prefix() {
   cp -a --reflink=auto -- "$prefixes/base" "$prefix"
 }
 
+# repair_documents PREFIX-DIRECTORY PRESET: has the prefix make XML documents with the preset's tools/domrepair, which
+# brings Wine's to Windows' documented behaviour. Prefixes are made before it is built, and Wine sets the value back when
+# it updates a prefix, so this comes at every start. Does nothing when the preset has not built it.
+repair_documents() {
+  local dll="$build/$2/bin/tsydomrepair.dll"
+  [ -e "$dll" ] || return 0
+  TESSARY_PREFIX=$1 scripts/wine-run.sh reg add \
+    'HKLM\Software\Classes\CLSID\{88D96A05-F192-11D4-A65F-0040963251E5}\InprocServer32' \
+    /ve /d "Z:${dll//\//\\}" /f </dev/null >/dev/null
+}
+
 # use_own_compstui PREFIX-DIRECTORY [COMPSTUI.DLL]: from here on the prefix's programs, and Windows' printing functions in
 # them, show property sheets through our compstui.dll of the test and demo environment. The default is the release build's.
 use_own_compstui() {

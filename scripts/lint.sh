@@ -42,7 +42,7 @@ check() {
   step "$@" || failed=$((failed + 1))
 }
 
-step_total=6
+step_total=7
 check lint-text "text rules of ${#files[@]} files" python3 scripts/lint_text.py "${files[@]}"
 check lint-format "format of ${#sources[@]} C++ files" clang-format --dry-run --Werror "${sources[@]}"
 check lint-shell "${#shells[@]} shell scripts" shellcheck -x "${shells[@]}"
@@ -50,6 +50,8 @@ check lint-python "${#pythons[@]} Python scripts" check_python
 # The rest looks at what the builds made.
 if bash scripts/build.sh native-tests mingw-release; then
   check lint-pe "built Windows files" python3 scripts/lint_pe.py "$build/mingw-release/bin" module/tsyprui.def
+  check lint-templates "dialog templates" python3 -B language/check_templates.py --header language/resource_ids.h \
+    --controls language/template_controls.txt "$build"/mingw-release/bin/tsyprUI_*.dll
   check lint-tidy "clang-tidy" python3 scripts/lint_tidy.py "${tidy[@]}"
 else
   failed=$((failed + 1))

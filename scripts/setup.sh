@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what building and testing need on Debian 12, and makes the Wine prefixes. Quick when all is there.
+# Installs what building and testing need on Debian 12, builds ICU for Windows and makes the Wine prefixes. Quick when
+# all is there.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 
@@ -7,13 +8,13 @@ packages=(
   # Building
   g++-mingw-w64-x86-64-posix g++ cmake ninja-build git python3
   # Libraries and the test framework
-  nlohmann-json3-dev libcli11-dev libspdlog-dev libfmt-dev googletest libicu-dev icu-devtools dpkg-dev
+  nlohmann-json3-dev libcli11-dev libspdlog-dev libfmt-dev googletest libicu-dev icu-devtools libexpat1-dev dpkg-dev
   # Pictures of the language libraries
   librsvg2-bin imagemagick
   # Printer descriptions for the importer
   libcups2-dev openprinting-ppds
   # Running Windows programs
-  wine64 xvfb fonts-liberation fonts-wine
+  wine64 xvfb fonts-liberation fonts-wine fonts-wqy-microhei
   # Checking
   clang clang-tidy clang-format libclang-rt-14-dev shellcheck
 )
@@ -41,13 +42,15 @@ make_prefix() {
   scripts/wine-prefix.sh "$prefixes/base" || { cat "$prefixes/base/setup.log"; return 1; }
 }
 
-step_total=3
+step_total=5
 mapfile -t missing < <(missing_packages)
 if [ "${#missing[@]}" -eq 0 ]; then
   step setup-packages "packages (all installed)" true
 else
   step setup-packages "installing ${#missing[@]} packages" install_packages "${missing[@]}"
 fi
+step setup-icu "ICU's converters for Windows" scripts/icu.sh
+step setup-expat "Expat for Windows" scripts/expat.sh
 step setup-prefix "Wine prefix" make_prefix
 if [ -e "$prefixes/test/.ready" ]; then
   step setup-test-prefix "Wine prefix of the tests" true

@@ -46,6 +46,7 @@ test_preset() {
     touch "$results/build-failed"
     return 1
   fi
+  case $preset in mingw-*) repair_documents "$prefixes/test" "$preset" ;; esac
   run_tests "$preset" >"$logs/test-$preset.log" 2>&1 </dev/null
 }
 

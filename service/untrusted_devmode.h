@@ -31,6 +31,12 @@ public:
         std::memcpy(&m_mode, bytes.data(), m_publicSize);
     }
 
+    // Whether there is a public part with its list of fields at all.
+    bool HasFields() const
+    {
+        return m_publicSize >= offsetof(DEVMODEW, dmOrientation);
+    }
+
     // The field's value when its bit is set and the field lies within the device mode.
     template <class Field>
     bool Get(DWORD bit, const Field DEVMODEW::*member, Field& value) const

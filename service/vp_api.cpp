@@ -12,6 +12,7 @@
 #include "service/profile_loader.h"
 #include "service/profile_source.h"
 #include "service/reply_table.h"
+#include "service/ticket/print_ticket_query.h"
 
 namespace
 {
@@ -130,6 +131,27 @@ LONG AnswerCapability(void* handle, WORD index, DWORD* dataSize, void** data, LO
     return answer.result == -1 ? ERROR_NOT_SUPPORTED : ERROR_SUCCESS;
 }
 
+// A query's answer, or the result and status of one that cannot be made.
+LONG AnswerQuery(
+    void* handle, TicketQuery query, std::span<const std::byte> input, DWORD* size, void** output, LONG* result)
+{
+    const Profile* profile = TheService().handles.Find(handle);
+    if (profile == nullptr)
+    {
+        *result = E_HANDLE;
+        return ERROR_INVALID_HANDLE;
+    }
+    const TicketAnswer answer = AnswerTicketQuery(*profile, query, input);
+    if (!answer.data.empty())
+    {
+        const ReplyKind kind = query == TicketQuery::TicketToDevMode ? ReplyKind::DeviceMode : ReplyKind::PrintTicket;
+        *output = TheService().replies.Add(kind, answer.data);
+        *size = static_cast<DWORD>(answer.data.size());
+    }
+    *result = answer.result;
+    return FAILED(answer.result) ? ERROR_INVALID_DATA : ERROR_SUCCESS;
+}
+
 void ReleaseReply(ReplyKind kind, void* reply) noexcept
 {
     Guarded(0,
@@ -214,19 +236,24 @@ void WINAPI VpFreeDeviceCapabilities(void* data)
     ReleaseReply(ReplyKind::Capabilities, data);
 }
 
-LONG WINAPI VpMakePTQuery(void* /*handle*/,
-                          DWORD /*kind*/,
-                          DWORD /*inputSize*/,
-                          const void* /*input*/,
-                          DWORD* outputSize,
-                          void** output,
-                          LONG* queryResult)
+LONG WINAPI VpMakePTQuery(
+    void* handle, DWORD kind, DWORD inputSize, const void* input, DWORD* outputSize, void** output, LONG* queryResult)
 {
     CountCall(Call::MakePTQuery);
     SetOutput<DWORD>(outputSize, 0);
     SetOutput<void*>(output, nullptr);
-    SetOutput<LONG>(queryResult, E_NOTIMPL);
-    return ERROR_CALL_NOT_IMPLEMENTED;
+    SetOutput<LONG>(queryResult, E_INVALIDARG);
+    const bool isKnown = kind <= static_cast<DWORD>(TicketQuery::ValidateTicket);
+    const bool hasPlaces = outputSize != nullptr && output != nullptr && queryResult != nullptr;
+    if (!isKnown || !hasPlaces || (input == nullptr && inputSize != 0))
+    {
+        return ERROR_INVALID_PARAMETER;
+    }
+    *queryResult = E_OUTOFMEMORY;
+    const std::span bytes(static_cast<const std::byte*>(input), inputSize);
+    return Guarded(
+        LONG{ERROR_OUTOFMEMORY},
+        [&] { return AnswerQuery(handle, static_cast<TicketQuery>(kind), bytes, outputSize, output, queryResult); });
 }
 
 void WINAPI VpFreePTData(void* output)

@@ -32,8 +32,11 @@ extern "C"
                                         LONG* queryResult);
     void WINAPI VpFreeDeviceCapabilities(void* data);
 
-    // Print ticket work. Kind 0: ticket to device mode, 1: device mode to ticket, 2: ticket to capabilities,
-    // 3: validation. This library does not answer them yet: *output is null, *outputSize 0, *queryResult E_NOTIMPL.
+    // Print ticket work. Kind 0: ticket to device mode, which VpFreeDevMode takes back; 1: device mode to ticket; 2:
+    // ticket to capabilities; 3: validation of a ticket. inputSize is in bytes; 0 stands for no wishes, except in a
+    // validation. *queryResult: S_PT_NO_CONFLICT (0x00040001) or S_PT_CONFLICT_RESOLVED (0x00040002) from kinds 0 and
+    // 3, S_OK from 1 and 2; E_PRINTTICKET_FORMAT (0x80040003) for a ticket that cannot be read, another failure code
+    // for anything else. A failure leaves *output null and *outputSize 0.
     LONG WINAPI VpMakePTQuery(void* handle,
                               DWORD kind,
                               DWORD inputSize,

@@ -21,7 +21,9 @@ struct Bench
 };
 
 constexpr Bench kBenches[] = {
+    {"lock", MeasureLocks},
     {"log", MeasureLogLines},
+    {"codeset", MeasureCodeSets},
 };
 
 struct Options

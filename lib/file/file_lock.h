@@ -29,7 +29,9 @@ public:
 
     // Creates the lock file when it is missing (its folder must be there) and waits for the lock, at most `timeoutMs`.
     // 0 asks once. FileError::TimedOut when others held it all the time; `owner`, if given, then tells who, as
-    // "process 4312 (spoolsv.exe) on HOST since 2024-03-05 14:15:02Z", or is empty when that is not known.
+    // "process 4312 (spoolsv.exe) on HOST since 2024-03-05 14:15:02Z", or is empty when that is not known: for shared
+    // holders, and when the text could not be written. NotFound for a missing folder, AccessDenied when the file cannot
+    // be created; in a read-only folder a lock file that is there can be shared. What was held before is released.
     FileResult Acquire(const char* path, LockMode mode, uint32_t timeoutMs, std::string* owner = nullptr) noexcept;
 
     // Harmless when nothing is held. The lock file stays, empty.

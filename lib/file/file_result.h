@@ -11,7 +11,7 @@ namespace tsypr
 enum class FileError
 {
     None,
-    InvalidArgument, // a null or empty path, one with a NUL inside or that is not well-formed UTF-8, a null buffer
+    InvalidArgument, // a null or empty path, one that is not well-formed UTF-8 or not allowed, a null buffer
     NotFound,        // the file or a folder on the way to it
     AlreadyExists,
     AccessDenied, // also a read-only file or folder
@@ -24,7 +24,8 @@ enum class FileError
     TooLarge, // more than the caller's limit
     OutOfMemory,
     TimedOut,
-    Other // see systemError
+    OtherVolume, // a directory cannot be moved to another volume
+    Other        // see systemError
 };
 
 struct FileResult

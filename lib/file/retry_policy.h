@@ -9,7 +9,7 @@ namespace tsypr
 
 // Pauses double from the first to the longest until the time is used up. Only what passes by itself is retried: a file
 // in use by another process (virus scanners, indexers, backup), on Windows also "access denied" for a file that is
-// being deleted.
+// being deleted or replaced. A pause of 0 counts as 1; a longest pause below the first one is the only one.
 struct RetryPolicy
 {
     uint32_t firstPauseMs = 1;

@@ -1,6 +1,7 @@
 #include "module/interface_dll.h"
 
 #include "tests/lib/test_files.h"
+#include "tests/module/heap_blocks.h"
 #include "tests/module/test_registry.h"
 
 #include <gtest/gtest.h>
@@ -26,23 +27,6 @@ fs::path TestFolder()
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     return fs::path(path).parent_path();
-}
-
-// All the busy blocks of all heaps.
-size_t BusyBlocks()
-{
-    HANDLE heaps[64];
-    const DWORD count = GetProcessHeaps(64, heaps);
-    size_t blocks = 0;
-    for (DWORD i = 0; i < count; ++i)
-    {
-        PROCESS_HEAP_ENTRY entry = {};
-        while (HeapWalk(heaps[i], &entry) != FALSE)
-        {
-            blocks += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
-        }
-    }
-    return blocks;
 }
 
 TEST(LanguageFileName, FollowsTheUsersLanguage)

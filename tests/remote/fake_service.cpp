@@ -117,6 +117,34 @@ struct ServiceCalls
         const Entry entry("freeCaps");
         EXPECT_EQ(1U, g_service->m_lists.erase(data));
     }
+
+    static DWORD WINAPI MakePTQuery(RemotePrinterHandle handle,
+                                    uint32_t kind,
+                                    uint32_t inputSize,
+                                    const void* input,
+                                    uint32_t* outputSize,
+                                    void** output,
+                                    int32_t* queryResult)
+    {
+        const AllocationFaultPause pause;
+        const Entry entry(std::string("query ") + kPTKindNames[kind], handle);
+        EXPECT_TRUE(*output == nullptr && *outputSize == 0);
+        EXPECT_TRUE(input != nullptr || inputSize == 0);
+        const auto* bytes = static_cast<const BYTE*>(input);
+        g_service->ptInputs[kind] = input != nullptr ? std::optional(Bytes(bytes, bytes + inputSize)) : std::nullopt;
+        const PTReply& reply = g_service->ptReplies[kind];
+        *queryResult = reply.result;
+        *output = HandOut(kind == 0 ? g_service->m_devModes : g_service->m_texts, reply.data);
+        *outputSize = reply.size.value_or(reply.data ? static_cast<uint32_t>(reply.data->size()) : 0);
+        return reply.status;
+    }
+
+    static void WINAPI FreePTData(void* data)
+    {
+        const AllocationFaultPause pause;
+        const Entry entry("freePT");
+        EXPECT_EQ(1U, g_service->m_texts.erase(data));
+    }
 };
 
 FakeService::FakeService()
@@ -130,8 +158,8 @@ FakeService::FakeService()
                      Calls::FreeDevMode,
                      Calls::GetCapabilities,
                      Calls::FreeCapabilities,
-                     nullptr,
-                     nullptr};
+                     Calls::MakePTQuery,
+                     Calls::FreePTData};
 }
 
 FakeService::~FakeService()
@@ -139,6 +167,7 @@ FakeService::~FakeService()
     EXPECT_TRUE(m_open.empty()) << "a remote printer was left open";
     EXPECT_TRUE(m_devModes.empty()) << "a device mode was not given back";
     EXPECT_TRUE(m_lists.empty()) << "a capability reply was not given back";
+    EXPECT_TRUE(m_texts.empty()) << "a print ticket reply was not given back";
     RemoteService = {};
 }
 

@@ -37,6 +37,18 @@ CapabilityReply ListReply(int32_t result, const std::vector<Entry>& entries)
     return {result, Bytes(begin, begin + size), static_cast<uint32_t>(size)};
 }
 
+// What the client makes of a print ticket question.
+struct PTReply
+{
+    HRESULT result = S_OK;
+    std::optional<Bytes> data = std::nullopt;    // a null pointer when absent
+    std::optional<uint32_t> size = std::nullopt; // that of the data when absent
+    DWORD status = 0;
+};
+
+// By number, as the service's calls have them.
+inline constexpr const char* kPTKindNames[] = {"PT2DM", "DM2PT", "PT2PC", "PTCHK"};
+
 struct CapabilityCall
 {
     uint16_t capability;
@@ -60,9 +72,14 @@ public:
     bool opens = true;
     std::optional<Bytes> devMode; // null when absent
     std::map<uint16_t, CapabilityReply> capabilities;
+    std::map<uint32_t, PTReply> ptReplies; // by kind
     bool notesCalls = true;
 
-    // The calls since the last time: "open NAME", "close", "getDevMode", "freeDevMode", "caps INDEX", "freeCaps".
+    // The last input of each kind of print ticket question; a null pointer when absent.
+    std::map<uint32_t, std::optional<Bytes>> ptInputs;
+
+    // The calls since the last time: "open NAME", "close", "getDevMode", "freeDevMode", "caps INDEX", "freeCaps",
+    // "query KIND", "freePT".
     Messages TakeCalls()
     {
         return std::exchange(m_calls, {});
@@ -81,6 +98,7 @@ private:
     uintptr_t m_nextHandle = 0x1000;
     std::map<void*, std::unique_ptr<GuardedMemory>> m_devModes;
     std::map<void*, std::unique_ptr<GuardedMemory>> m_lists;
+    std::map<void*, std::unique_ptr<GuardedMemory>> m_texts;
     CapabilityCall m_lastCapabilityCall = {};
 };
 

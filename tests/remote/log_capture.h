@@ -46,8 +46,10 @@ public:
     Messages Take()
     {
         std::stringstream content;
-        content << std::ifstream(m_path, std::ios::binary).rdbuf();
-        const std::string text = content.str().substr(m_read);
+        std::ifstream file(m_path, std::ios::binary);
+        file.seekg(static_cast<std::streamoff>(m_read));
+        content << file.rdbuf();
+        const std::string text = content.str();
         m_read += text.size();
         Messages messages;
         size_t begin = 0;

@@ -81,12 +81,6 @@ TEST_F(VpApiTest, ReleasesOnlyOutstandingRepliesAndFillsOnlyPlacesThatAreThere)
     library.getCapabilities(handle, DC_PAPERS, nullptr, &data, 0, nullptr, &result);
     EXPECT_TRUE(data == nullptr && result == 3);
     EXPECT_NE(library.getCapabilities(handle, DC_PAPERS, &size, &data, 0, nullptr, nullptr), ERROR_SUCCESS);
-
-    size = 5;
-    data = &size;
-    EXPECT_NE(library.makePTQuery(handle, 2, 0, nullptr, &size, &data, &result), ERROR_SUCCESS);
-    EXPECT_TRUE(size == 0 && data == nullptr && result == E_NOTIMPL);
-    EXPECT_NE(library.makePTQuery(nullptr, 9, 4, nullptr, nullptr, nullptr, nullptr), ERROR_SUCCESS);
     EXPECT_EQ(library.Counters().outstandingReplies, 0u);
 }
 

@@ -4,6 +4,8 @@
 #include "tools/printctl/devmode_fields.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/json.h"
+#include "tools/printctl/ticket_provider.h"
+#include "tools/printctl/ticket_report.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,6 +25,7 @@ struct Options
     std::string printer;
     std::string in;
     bool json = false;
+    bool xml = false;
 };
 
 using Answers = std::map<WORD, CapabilityAnswer>;
@@ -258,6 +261,20 @@ void PrintText(const Options& options, const Answers& answers)
     }
 }
 
+// The print capabilities document instead, for the ticket that the device mode becomes.
+void RunXml(const Options& options)
+{
+    const std::wstring name = Wide(options.printer);
+    const PrinterHandle printer = OpenPrinterByName(name);
+    const TicketProvider provider(printer, name);
+    std::optional<std::string> ticket;
+    if (!options.in.empty())
+    {
+        ticket = provider.FromDevMode(DevModeBuffer::FromFile(Wide(options.in)));
+    }
+    WriteOut(IndentedXml(provider.Capabilities(ticket)));
+}
+
 void Run(const Options& options)
 {
     const std::wstring name = Wide(options.printer);
@@ -297,8 +314,10 @@ void AddCapabilitiesCommand(CLI::App& app)
     CLI::App* command = app.add_subcommand("capabilities", "Shows what Windows' DeviceCapabilities says of a printer.");
     command->add_option("PRINTER", options->printer, "printer name")->required();
     command->add_option("--in", options->in, "file with the device mode to ask for (otherwise none)");
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    CLI::Option* json = command->add_flag("--json", options->json, "JSON output");
+    command->add_flag("--xml", options->xml, "the driver's print capabilities document instead of the capabilities")
+        ->excludes(json);
+    command->callback([options] { options->xml ? RunXml(*options) : Run(*options); });
 }
 
 } // namespace tsypr::printctl

@@ -19,6 +19,7 @@ void AddCapabilitiesCommand(CLI::App& app);
 void AddDevModeCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);
 void AddProfilesCommand(CLI::App& app);
+void AddTicketCommand(CLI::App& app);
 
 } // namespace tsypr::printctl
 

@@ -51,6 +51,7 @@ int Run(std::vector<std::string> arguments)
     AddDevModeCommand(app);
     AddConvertCommand(app);
     AddProfilesCommand(app);
+    AddTicketCommand(app);
     for (CLI::App* command : app.get_subcommands({}))
     {
         command->footer(kFooter);

@@ -1,9 +1,7 @@
-#include "lib/unicode/codeset.h"
+#include "tests/lib/unicode/unicode_test.h"
 
-#include <gtest/gtest.h>
+#include <unicode/ustring.h>
 
-#include <algorithm>
-#include <sstream>
 #include <vector>
 
 namespace tsypr
@@ -15,56 +13,162 @@ using namespace std::string_view_literals;
 
 TEST(CodeSet, EveryCodePointSurvives)
 {
-    // The limits of each length as the compiler encodes them, and all there are, there and back.
+    // The limits of each length as the compiler encodes them, and all there are, through every pair.
     constexpr auto kNarrow = u8"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"sv;
-    constexpr auto kWide = u"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"sv;
     Utf16String wide;
     ASSERT_TRUE(CodeSet_Utf8ToUtf16(std::string(kNarrow.begin(), kNarrow.end()), wide));
-    EXPECT_TRUE(std::equal(wide.begin(), wide.end(), kWide.begin(), kWide.end()));
-    for (uint32_t c = 0; c <= 0x10FFFF; c = c == 0xD7FF ? 0xE000 : c + 1)
+    EXPECT_EQ(wide, Wide(u"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"));
+
+    const std::u32string all = EveryCodePoint();
+    std::u32string back;
+    std::string narrow;
+    std::string narrowAgain;
+    ASSERT_TRUE(CodeSet_Utf32ToUtf8(all, narrow, kStrict).Lossless());
+    ASSERT_TRUE(CodeSet_Utf8ToUtf32(narrow, back, kStrict).Lossless());
+    EXPECT_TRUE(back == all);
+    ASSERT_TRUE(CodeSet_Utf8ToUtf16(narrow, wide, kStrict).Lossless());
+    ASSERT_TRUE(CodeSet_Utf16ToUtf8(wide, narrowAgain, kStrict).Lossless());
+    EXPECT_TRUE(narrowAgain == narrow);
+    ASSERT_TRUE(CodeSet_Utf16ToUtf32(wide, back, kStrict).Lossless());
+    EXPECT_TRUE(back == all);
+    Utf16String wideAgain;
+    ASSERT_TRUE(CodeSet_Utf32ToUtf16(all, wideAgain, kStrict).Lossless());
+    EXPECT_TRUE(wideAgain == wide);
+}
+
+TEST(CodeSet, ReplacesMaximalSubparts)
+{
+    // The first four are the Unicode Standard's own examples.
+    const struct
     {
-        Utf16String units(1, static_cast<Utf16Unit>(c < 0x10000 ? c : 0xD7C0 + (c >> 10)));
-        units.append(c < 0x10000 ? 0 : 1, static_cast<Utf16Unit>(0xDC00 + c % 0x400));
-        std::string narrow;
-        ASSERT_TRUE(CodeSet_Utf16ToUtf8(units, narrow) && CodeSet_Utf8ToUtf16(narrow, wide)) << c;
-        ASSERT_TRUE(wide == units) << c;
+        std::string_view bytes;
+        std::u16string_view expected; // "#" stands for U+FFFD
+        CodeSetResult strict;
+    } cases[] = {{"\xC0\xAF\xE0\x80\xBF\xF0\x81\x82\x41", u"########A", Failed(CodeSetStatus::IllFormed, 0)},
+                 {"\xED\xA0\x80\xED\xBF\xBF\xED\xAF\x41", u"########A", Failed(CodeSetStatus::IllFormed, 0)},
+                 {"\xF4\x91\x92\x93\xFF\x41\x80\xBF\x42", u"#####A##B", Failed(CodeSetStatus::IllFormed, 0)},
+                 {"\xE1\x80\xE2\xF0\x91\x92\xF1\xBF\x41", u"####A", Failed(CodeSetStatus::IllFormed, 0)},
+                 {"ab\xE4\xB8\xADz\xE4\xB8z", u"ab\u4E2Dz#z", Failed(CodeSetStatus::IllFormed, 6)},
+                 {"a\xE4\xB8", u"a#", Failed(CodeSetStatus::Incomplete, 1)},
+                 {"\xF0\x9F\x98", u"#", Failed(CodeSetStatus::Incomplete, 0)},
+                 {"\xE0\x80", u"##", Failed(CodeSetStatus::IllFormed, 0)},
+                 {"\xFE", u"#", Failed(CodeSetStatus::IllFormed, 0)}};
+    for (const auto& [bytes, pattern, strict] : cases)
+    {
+        SCOPED_TRACE(testing::PrintToString(bytes));
+        Utf16String expected = Wide(pattern);
+        std::replace(expected.begin(), expected.end(), Utf16Unit{'#'}, static_cast<Utf16Unit>(0xFFFD));
+        const auto count = static_cast<size_t>(std::count(pattern.begin(), pattern.end(), u'#'));
+        const std::vector<char> exact(bytes.begin(), bytes.end()); // nothing may be read behind it
+        const std::string_view text(exact.data(), exact.size());
+        Utf16String wide = Wide(u"old");
+        EXPECT_EQ(CodeSet_Utf8ToUtf16(text, wide, kLenient), Replaced(count, strict.firstBadOffset));
+        EXPECT_EQ(wide, expected);
+        EXPECT_EQ(CodeSet_Utf8ToUtf16(text, wide, kStrict), strict);
+        EXPECT_TRUE(wide.empty());
+        std::u32string wider;
+        EXPECT_EQ(CodeSet_Utf8ToUtf32(text, wider, kLenient), Replaced(count, strict.firstBadOffset));
+        EXPECT_TRUE(std::ranges::equal(wider, expected));
+        EXPECT_FALSE(CodeSet_Utf8ToUtf16(text, wide));
     }
 }
 
-TEST(CodeSet, RefusesIllFormedUtf8)
+// Every sequence of four out of the bytes at the limits of all classes, against ICU.
+TEST(CodeSet, AgreesWithIcuOnEveryIllFormedSequence)
 {
-    std::istringstream list("\x80 \xBF "                                          // continuation bytes alone
-                            "\xC3 \xE2\x82 \xF0\x9F\x98 "                         // cut
-                            "\xC3\x28 \xE2\x28\xAC \xE2\x82\xC0 "                 // something else where a
-                            "\xF0\x9F\x28\x80 \xF0\x9F\x98\x41 "                  // continuation must be
-                            "\xC0\x80 \xC1\xBF \xE0\x9F\xBF \xF0\x8F\xBF\xBF "    // longer than needed
-                            "\xED\xA0\x80 \xED\xBF\xBF \xED\xA0\xBD\xED\xB8\x80 " // surrogates
-                            "\xF4\x90\x80\x80 \xF5\x80\x80\x80 \xF8\x88\x80\x80\x80 \xFE \xFF"); // beyond U+10FFFF
-    for (std::string bad; list >> bad;)
+    constexpr auto kBytes =
+        "A\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEF\xF0\xF1\xF3\xF4\xF5\xFF"sv;
+    std::string text(4, 'A');
+    Utf16String ours;
+    UChar theirs[8];
+    for (size_t n = 0; n < kBytes.size() * kBytes.size() * kBytes.size() * kBytes.size(); ++n)
     {
-        for (const std::string& text : {bad, "ab" + bad, bad + "ab"})
+        size_t rest = n;
+        for (char& byte : text)
         {
-            Utf16String wide(1, Utf16Unit{'x'});
-            const std::vector<char> exact(text.begin(), text.end()); // nothing may be read behind it
-            EXPECT_FALSE(CodeSet_Utf8ToUtf16({exact.data(), exact.size()}, wide)) << testing::PrintToString(text);
-            EXPECT_TRUE(wide.empty());
+            byte = kBytes[rest % kBytes.size()];
+            rest /= kBytes.size();
         }
+        int32_t length = 0;
+        int32_t replaced = 0;
+        UErrorCode error = U_ZERO_ERROR;
+        u_strFromUTF8WithSub(theirs, 8, &length, text.data(), 4, 0xFFFD, &replaced, &error);
+        const CodeSetResult lenient = CodeSet_Utf8ToUtf16(text, ours, kLenient);
+        const bool same = std::equal(ours.begin(), ours.end(), theirs, theirs + length);
+        const CodeSetResult strict = CodeSet_Utf8ToUtf16(text, ours, kStrict);
+        ASSERT_TRUE(same && lenient.replacements == static_cast<size_t>(replaced) && strict.Ok() == (replaced == 0) &&
+                    strict.firstBadOffset == lenient.firstBadOffset)
+            << testing::PrintToString(text);
     }
 }
 
-TEST(CodeSet, LoneSurrogatesBecomeReplacementCharacters)
+TEST(CodeSet, IllFormedUtf16AndUtf32)
 {
-    const std::pair<std::u16string_view, std::string_view> cases[] = {
-        {u"a\xDE00z\xD83D", "a\xEF\xBF\xBDz\xEF\xBF\xBD"},
-        {u"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80"},
-        {u"", ""}};
-    for (const auto& [units, expected] : cases)
+    const struct
+    {
+        std::u16string_view units;
+        std::string_view expected;
+        CodeSetResult strict;
+        size_t count;
+    } cases[] = {
+        {u"a\xDE00z\xD83D", "a\xEF\xBF\xBDz\xEF\xBF\xBD", Failed(CodeSetStatus::IllFormed, 1), 2},
+        {u"\xD83D\xD83D\xDE00", "\xEF\xBF\xBD\xF0\x9F\x98\x80", Failed(CodeSetStatus::IllFormed, 0), 1},
+        {u"\u4E2D\xDC00\xD800x", "\xE4\xB8\xAD\xEF\xBF\xBD\xEF\xBF\xBDx", Failed(CodeSetStatus::IllFormed, 1), 2},
+        {u"\U0001F600\xD83D", "\xF0\x9F\x98\x80\xEF\xBF\xBD", Failed(CodeSetStatus::Incomplete, 2), 1}};
+    for (const auto& [units, expected, strict, count] : cases)
     {
         const std::vector<Utf16Unit> exact(units.begin(), units.end());
-        std::string text = "old";
-        EXPECT_TRUE(CodeSet_Utf16ToUtf8({exact.data(), exact.size()}, text));
-        EXPECT_EQ(text, expected);
+        const Utf16View text(exact.data(), exact.size());
+        std::string narrow = "old";
+        EXPECT_TRUE(CodeSet_Utf16ToUtf8(text, narrow));
+        EXPECT_EQ(narrow, expected);
+        EXPECT_EQ(CodeSet_Utf16ToUtf8(text, narrow, kLenient), Replaced(count, strict.firstBadOffset));
+        EXPECT_EQ(narrow, expected);
+        EXPECT_EQ(CodeSet_Utf16ToUtf8(text, narrow, kStrict), strict);
+        EXPECT_TRUE(narrow.empty());
+        std::u32string wider;
+        EXPECT_EQ(CodeSet_Utf16ToUtf32(text, wider, kLenient), Replaced(count, strict.firstBadOffset));
+        EXPECT_EQ(CodeSet_Utf16ToUtf32(text, wider, kStrict), strict);
     }
+    for (const char32_t bad : {0xD800U, 0xDFFFU, 0x110000U, 0xFFFFFFFFU})
+    {
+        const std::u32string text{U'x', bad, U'\U0001F600', bad};
+        std::string narrow;
+        EXPECT_EQ(CodeSet_Utf32ToUtf8(text, narrow, kLenient), Replaced(2, 1));
+        EXPECT_EQ(narrow, "x\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD");
+        EXPECT_EQ(CodeSet_Utf32ToUtf8(text, narrow, kStrict), Failed(CodeSetStatus::IllFormed, 1));
+        Utf16String wide;
+        EXPECT_EQ(CodeSet_Utf32ToUtf16(text, wide, kLenient), Replaced(2, 1));
+        EXPECT_EQ(wide, Wide(u"x\uFFFD\U0001F600\uFFFD"));
+    }
+}
+
+// Lengths around the steps of the fast loops, each with something else at every place.
+TEST(CodeSet, EveryPlaceInAnAsciiText)
+{
+    for (size_t length = 0; length < 40; ++length)
+    {
+        for (size_t place = 0; place < length; ++place)
+        {
+            std::u32string text(length, U'a');
+            text[place] = place % 3 == 0 ? U'\u00FC' : (place % 3 == 1 ? U'\u4E2D' : U'\U0001F600');
+            std::string narrow;
+            Utf16String wide;
+            std::u32string back;
+            ASSERT_TRUE(CodeSet_Utf32ToUtf8(text, narrow, kStrict).Lossless());
+            ASSERT_TRUE(CodeSet_Utf8ToUtf16(narrow, wide, kStrict).Lossless());
+            ASSERT_TRUE(CodeSet_Utf16ToUtf8(wide, narrow, kStrict).Lossless());
+            ASSERT_TRUE(CodeSet_Utf8ToUtf32(narrow, back, kStrict).Lossless());
+            ASSERT_EQ(back, text);
+            narrow[place] = '\xFF';
+            EXPECT_EQ(CodeSet_Utf8ToUtf16(narrow, wide, kStrict).firstBadOffset, place);
+        }
+    }
+    Utf16String wide = Wide(u"old");
+    EXPECT_TRUE(CodeSet_Utf8ToUtf16({}, wide, kStrict).Lossless());
+    EXPECT_TRUE(wide.empty());
+    EXPECT_TRUE(CodeSet_Utf8ToUtf16("a\0b"sv, wide));
+    EXPECT_EQ(wide, Wide(u"a\0b"sv));
 }
 
 } // namespace

@@ -1,0 +1,116 @@
+// The program's own main: with "--child" it is one of the processes that the tests start.
+#include "tests/lib/file/file_test.h"
+
+#include "lib/file/append_file.h"
+
+#include <chrono>
+#include <cstdlib>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace tsypr::test
+{
+namespace
+{
+
+constexpr int kCrashed = 77;
+
+void EndAtOnce(void* /*context*/)
+{
+#ifdef _WIN32
+    TerminateProcess(GetCurrentProcess(), kCrashed);
+#else
+    _exit(kCrashed);
+#endif
+}
+
+// Replaces FILE by "new" and ends at the N-th operation.
+int CrashAt(const std::string& file, unsigned operation)
+{
+    FileFaultPlan plan;
+    plan.Call(FileOperation::Any, EndAtOnce, nullptr, operation);
+    return ReplaceFileContents(file.c_str(), "new").Ok() ? 0 : 1;
+}
+
+// Replaces FILE for ever by the lines of a rising number, and acknowledges each in ACKNOWLEDGED.
+int ReplaceForEver(const std::string& file, const std::string& acknowledged)
+{
+    AppendFile log;
+    log.Open(acknowledged.c_str());
+    for (unsigned number = 1;; ++number)
+    {
+        const std::string line = std::to_string(number) + '\n';
+        std::string contents;
+        while (contents.size() < 20'000)
+        {
+            contents += line;
+        }
+        if (!ReplaceFileContents(file.c_str(), contents).Ok() || !log.Append(line.data(), line.size()))
+        {
+            return 1;
+        }
+    }
+}
+
+// Holds the lock on FILE until it is killed; makes READY once it has it.
+int HoldLock(const std::string& file, const std::string& ready)
+{
+    FileLock lock;
+    if (!lock.Acquire(file.c_str(), LockMode::Exclusive, 5000).Ok() || Create(ready) != FileError::None)
+    {
+        return 1;
+    }
+    std::this_thread::sleep_for(std::chrono::minutes(1));
+    return 0;
+}
+
+// Adds 1 to the number in FILE, N times, under the lock beside it.
+int Count(const std::string& file, int times)
+{
+    for (; times != 0; --times)
+    {
+        FileLock lock;
+        if (!lock.Acquire((file + ".lock").c_str(), LockMode::Exclusive, 30'000).Ok() ||
+            Create(file, std::to_string(std::atoi(Contents(file).c_str()) + 1)) != FileError::None)
+        {
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int RunChild(const std::vector<std::string>& arguments)
+{
+    const std::string& role = arguments[0];
+    if (role == "crash-at")
+    {
+        return CrashAt(arguments[1], static_cast<unsigned>(std::atoi(arguments[2].c_str())));
+    }
+    if (role == "replace-for-ever")
+    {
+        return ReplaceForEver(arguments[1], arguments[2]);
+    }
+    if (role == "hold-lock")
+    {
+        return HoldLock(arguments[1], arguments[2]);
+    }
+    return role == "count" ? Count(arguments[1], std::atoi(arguments[2].c_str())) : 2;
+}
+
+} // namespace tsypr::test
+
+int main(int argc, char** argv)
+{
+    if (argc > 2 && std::string(argv[1]) == "--child")
+    {
+        return tsypr::test::RunChild({argv + 2, argv + argc});
+    }
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,171 @@
+// Locks between objects, threads and processes.
+#include "tests/lib/child_process.h"
+#include "tests/lib/file/file_test.h"
+
+#include "lib/misc/process.h"
+
+#include <atomic>
+#include <chrono>
+
+namespace tsypr::test
+{
+namespace
+{
+
+TEST(FileLock, ModesOwnersAndTimeOuts)
+{
+    const ScratchFolder scratch("lock");
+    const std::string path = Utf8(scratch / "lock");
+    FileLock first;
+    FileLock second;
+    std::string owner = "old";
+    ASSERT_TRUE(first.Acquire(path.c_str(), LockMode::Exclusive, 0, &owner).Ok());
+    EXPECT_TRUE(first.IsHeld());
+    EXPECT_EQ(owner, "");
+    for (const LockMode mode : {LockMode::Exclusive, LockMode::Shared})
+    {
+        FileResult result = second.Acquire(path.c_str(), mode, 0, &owner);
+        EXPECT_EQ(result.error, FileError::TimedOut);
+        EXPECT_EQ(result.retries, 0U);
+        EXPECT_FALSE(second.IsHeld());
+        const std::string expected = "process " + std::to_string(CurrentProcessId()) + " (lib_file_tests";
+        EXPECT_EQ(owner.substr(0, expected.size()), expected);
+        EXPECT_NE(owner.find(" on "), std::string::npos);
+        EXPECT_EQ(owner.back(), 'Z');
+        result = second.Acquire(path.c_str(), mode, 40);
+        EXPECT_EQ(result.error, FileError::TimedOut);
+        EXPECT_GE(result.elapsedMs, 40U);
+        EXPECT_GE(result.retries, 3U);
+        EXPECT_NE(result.lastRetriedError, 0U);
+    }
+    first.Release();
+    EXPECT_EQ(Contents(path), ""); // the file stays, empty
+    EXPECT_TRUE(first.Acquire(path.c_str(), LockMode::Shared, 0).Ok());
+    EXPECT_TRUE(second.Acquire(path.c_str(), LockMode::Shared, 0).Ok());
+    FileLock third;
+    EXPECT_EQ(third.Acquire(path.c_str(), LockMode::Exclusive, 0, &owner).error, FileError::TimedOut);
+    EXPECT_EQ(owner, "");
+    first.Release();
+    first.Release();
+    second.Release();
+    EXPECT_TRUE(third.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
+    EXPECT_TRUE(third.Acquire(path.c_str(), LockMode::Shared, 0).Ok()); // what was held is released first
+}
+
+TEST(FileLock, WaitsUntilItIsReleased)
+{
+    const ScratchFolder scratch("lock-wait");
+    const std::string path = Utf8(scratch / "lock");
+    FileLock holder;
+    ASSERT_TRUE(holder.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
+    std::atomic<bool> released{false};
+    std::thread releasing(
+        [&]
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            released = true;
+            holder.Release();
+        });
+    FileLock waiter;
+    const FileResult result = waiter.Acquire(path.c_str(), LockMode::Exclusive, 10'000);
+    EXPECT_TRUE(released);
+    EXPECT_TRUE(result.Ok());
+    EXPECT_GE(result.retries, 1U);
+    releasing.join();
+}
+
+TEST(FileLock, BadPathsAndFaults)
+{
+    const ScratchFolder scratch("lock-bad");
+    const std::string path = Utf8(scratch / "lock");
+    FileLock lock;
+    std::string owner;
+    EXPECT_EQ(lock.Acquire(Utf8(scratch / "missing" / "lock").c_str(), LockMode::Exclusive, 0).error,
+              FileError::NotFound);
+    EXPECT_EQ(lock.Acquire(Utf8(scratch.path).c_str(), LockMode::Shared, 0).error, FileError::IsADirectory);
+    {
+        FileFaultPlan plan;
+        plan.Fail(FileOperation::Lock, FileError::DiskFull); // as where there are no locks
+        EXPECT_EQ(lock.Acquire(path.c_str(), LockMode::Exclusive, 1000).error, FileError::DiskFull);
+        EXPECT_FALSE(lock.IsHeld());
+        // A full disk keeps nobody from locking, it only leaves the owner unknown.
+        plan.Fail(FileOperation::Write, FileError::DiskFull);
+        EXPECT_TRUE(lock.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
+        // A read-only folder whose lock file can be read.
+        plan.Fail(FileOperation::Open, FileError::AccessDenied, plan.Seen(FileOperation::Open) + 1);
+        FileLock reader;
+        EXPECT_EQ(reader.Acquire(path.c_str(), LockMode::Shared, 0, &owner).error, FileError::TimedOut);
+        EXPECT_EQ(owner, "");
+    }
+    lock.Release();
+    std::ofstream(scratch / "lock") << "process 1 (dead.exe) on HOST since 2024-03-05 14:15:02Z\n";
+    EXPECT_TRUE(lock.Acquire(path.c_str(), LockMode::Shared, 0).Ok());
+    FileLock other;
+    EXPECT_EQ(other.Acquire(path.c_str(), LockMode::Exclusive, 0, &owner).error, FileError::TimedOut);
+    EXPECT_EQ(owner, ""); // not the dead one
+}
+
+#ifndef _WIN32
+TEST(FileLock, ARemovedLockFileIsMadeAnew)
+{
+    const ScratchFolder scratch("lock-removed");
+    const std::string path = Utf8(scratch / "lock");
+    FileLock first;
+    FileLock second;
+    FileLock third;
+    ASSERT_TRUE(first.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
+    std::thread removing(
+        [&]
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            RemoveFile(path.c_str());
+        });
+    // It waits on the file that is removed, and must notice.
+    EXPECT_TRUE(second.Acquire(path.c_str(), LockMode::Exclusive, 10'000).Ok());
+    EXPECT_EQ(third.Acquire(path.c_str(), LockMode::Exclusive, 0).error, FileError::TimedOut);
+    removing.join();
+}
+#endif
+
+TEST(FileLock, BetweenProcesses)
+{
+    const ScratchFolder scratch("lock-processes");
+    const std::string path = Utf8(scratch / "lock");
+    const std::string ready = Utf8(scratch / "ready");
+    ChildProcess child({"--child", "hold-lock", path, ready});
+    for (int tries = 0; !PathExists(ready.c_str()) && tries < 5000; ++tries)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    FileLock lock;
+    std::string owner;
+    EXPECT_EQ(lock.Acquire(path.c_str(), LockMode::Exclusive, 20, &owner).error, FileError::TimedOut);
+    EXPECT_EQ(owner.substr(0, 8), "process ");
+    EXPECT_EQ(owner.find(std::to_string(CurrentProcessId()) + ' '), std::string::npos);
+    child.Kill();
+    EXPECT_TRUE(lock.Acquire(path.c_str(), LockMode::Exclusive, 5000).Ok());
+}
+
+TEST(FileLock, CountersOfSeveralProcessesAndThreads)
+{
+    constexpr int kTimes = 25;
+    const ScratchFolder scratch("lock-count");
+    const std::string path = Utf8(scratch / "number");
+    ASSERT_EQ(Create(path, "0"), FileError::None);
+    {
+        ChildProcess first({"--child", "count", path, std::to_string(kTimes)});
+        ChildProcess second({"--child", "count", path, std::to_string(kTimes)});
+        const auto count = [&] { return RunChild({"count", path, std::to_string(kTimes)}); };
+        std::atomic<int> failed{0};
+        std::thread threads[] = {std::thread([&] { failed += count(); }), std::thread([&] { failed += count(); })};
+        for (std::thread& thread : threads)
+        {
+            thread.join();
+        }
+        EXPECT_EQ(failed + first.Wait() + second.Wait(), 0);
+    }
+    EXPECT_EQ(Contents(path), std::to_string(4 * kTimes));
+}
+
+} // namespace
+} // namespace tsypr::test

@@ -1,0 +1,318 @@
+// Device mode to print ticket, print capabilities, validation.
+#include "ptprovider/print_caps_doc.h"
+#include "tests/ptprovider/provider_fixture.h"
+
+namespace tsypr::test
+{
+namespace
+{
+
+using Texts = std::vector<std::wstring>;
+
+const std::string kOpen = "open Office Laser";
+
+// What says something in a ticket: pages, direction, staple, punch, media type, page scaling.
+Texts SettingsOf(IXMLDOMDocument2* ticket)
+{
+    Texts settings;
+    const std::wstring feature = L"//psf:Feature[@name='psk:";
+    for (const std::wstring& query : {L"//psf:ScoredProperty/psf:Value" + std::wstring(),
+                                      feature + L"PresentationDirection']/psf:Option/@name",
+                                      feature + L"JobStapleAllDocuments']/psf:Option/@name",
+                                      feature + L"DocumentHolePunch']/psf:Option/@name",
+                                      feature + L"PageMediaType']/psf:Option/@name",
+                                      feature + L"PageScaling']/psf:Option/@name"})
+    {
+        const Texts found = Find(ticket, query);
+        settings.push_back(found.empty() ? L"-" : found.front());
+    }
+    return settings;
+}
+
+class ToTicket : public ProviderTest
+{
+protected:
+    ToTicket() : ticket(Load(Ticket("<psf:Gone/>")))
+    {
+        AnswerEverything();
+        log.Take();
+    }
+
+    // The client's ticket, corrected for this device mode.
+    Texts Convert(DEVMODEW* dm, HRESULT expected = S_OK)
+    {
+        EXPECT_EQ(expected, provider->ConvertDevModeToPrintTicket(0, dm, ticket.Get()));
+        EXPECT_EQ(1U, References(ticket.Get()));
+        return SettingsOf(ticket.Get());
+    }
+
+    ComPtr<IXMLDOMDocument2> ticket;
+    const Texts asItCame = {L"4", L"psk:TopLeft", L"psk:StapleTopLeft", L"psk:LeftEdge", L"ns0000:Glossy", L"-"};
+};
+
+DeviceMode Settings(uint32_t features)
+{
+    DeviceMode dm = ClientDeviceMode();
+    dm->dmFields |= DM_MEDIATYPE;
+    dm->dmMediaType = 1;
+    PrivateDevMode& block = dm.Private();
+    block.featureBitmap = features;
+    block.pagesPerSheet = 16;
+    block.nupLayout.Write(L"psk:LeftTop");
+    block.staple.Write(L"psk:SaddleStitch");
+    Fill(block.punch, L'p'); // no terminator
+    return dm;
+}
+
+TEST_F(ToTicket, TheDriversOwnSettingsAreWritten)
+{
+    DeviceMode dm = Settings(kFeatureNup | kFeatureFinishing);
+    EXPECT_EQ((Texts{L"16", L"psk:LeftTop", L"psk:SaddleStitch", std::wstring(29, L'p'), L"psk:Plain", L"-"}),
+              Convert(dm.Get()));
+    EXPECT_EQ((Messages{kOpen,
+                        kOpen,
+                        "caps 35",
+                        "close",
+                        "freeCaps",
+                        kOpen,
+                        "caps 34",
+                        "close",
+                        "freeCaps",
+                        "query DM2PT",
+                        kOpen,
+                        "query PT2PC",
+                        "freePT",
+                        "close",
+                        "freePT",
+                        "close"}),
+              service.TakeCalls());
+    EXPECT_EQ(dm.Whole(), service.ptInputs[kDM2PT]); // with the terminators that the dump has set
+    EXPECT_EQ(L'\0', dm.Private().punch.Read().text[29]);
+    const Messages said = log.Take();
+    EXPECT_EQ("verbose PTProvider::ConvertDevModeToPrintTicket, return 0.", said.back());
+    EXPECT_EQ(1, std::count(said.begin(), said.end(), "verbose PrintUtils::DumpDevMode(): DM2PT, dmIn:"));
+    // Only the definition of the scale, which tickets do not have, is not found.
+    EXPECT_EQ(1, std::count(said.begin(), said.end(), "error RemoveXmlNode, failed to locate target node."));
+    EXPECT_TRUE(Find(ticket.Get(), L"//psf:Gone").empty());
+}
+
+TEST_F(ToTicket, OnlyWhatIsSetIsWritten)
+{
+    const auto with = [](uint32_t features, void (*change)(DeviceMode&))
+    {
+        DeviceMode dm = Settings(features);
+        change(dm);
+        return dm;
+    };
+    DeviceMode foreign = with(31, [](DeviceMode& dm) { dm.Private().signature = 0; });
+    DeviceMode none = with(0, [](DeviceMode&) {});
+    DeviceMode empty = with(kFeatureFinishing,
+                            [](DeviceMode& dm)
+                            {
+                                dm.Private().staple.Write(L"");
+                                dm.Private().punch.Write(L"");
+                                dm->dmMediaType = 7; // not the printer's
+                            });
+    DeviceMode noMedia = with(kFeatureNup, [](DeviceMode& dm) { dm->dmFields &= ~DWORD{DM_MEDIATYPE}; });
+    Texts plain = asItCame, nup = asItCame;
+    plain[4] = L"psk:Plain";
+    nup[0] = L"16";
+    nup[1] = L"psk:LeftTop";
+    EXPECT_EQ(nup, Convert(noMedia.Get()));
+    EXPECT_EQ(uint64_t{kFeatureNup}, CarriedPrivateSettings.featureBitmap);
+    EXPECT_EQ(plain, Convert(foreign.Get())); // has nothing to carry
+    EXPECT_EQ(uint64_t{kFeatureNup}, CarriedPrivateSettings.featureBitmap);
+    EXPECT_EQ(plain, Convert(none.Get()));
+    EXPECT_EQ(asItCame, Convert(empty.Get()));
+    EXPECT_EQ(uint64_t{kFeatureFinishing}, CarriedPrivateSettings.featureBitmap);
+    service.TakeCalls();
+    EXPECT_EQ(asItCame, Convert(nullptr));
+    EXPECT_EQ(uint64_t{kFeatureFinishing}, CarriedPrivateSettings.featureBitmap);
+    EXPECT_EQ(std::nullopt, service.ptInputs[kDM2PT]);
+    // Two features of page scaling: the second stays. A media type of which there are two: the first name counts.
+    const std::string scaling =
+        Feature("psk:PageScaling", Option("first")) + Feature("PSK:PAGESCALING", Option("second"));
+    service.ptReplies[kDM2PT].data = BytesOf(Ticket(scaling + Feature("psk:PageMediaType", Option("old"))));
+    service.ptReplies[kPT2PC].data = BytesOf(Capabilities(
+        Feature("psk:PageMediaType", NamedOption("ns0000:b", "Plain") + NamedOption("ns0000:a", "Plain"))));
+    EXPECT_EQ(L"ns0000:a", Convert(none.Get())[4]);
+    EXPECT_EQ(Texts{L"second"}, Find(ticket.Get(), L"//psf:Feature[@name='PSK:PAGESCALING']/psf:Option/@name"));
+    EXPECT_TRUE(Find(ticket.Get(), L"//psf:Feature[@name='psk:PageScaling']").empty());
+}
+
+TEST_F(ToTicket, RepliesThatAreNoTicket)
+{
+    DeviceMode dm = Settings(0);
+    const std::string failed = "error PTProvider::ConvertDevModeToPrintTicket, failed to call Mem2IXML.";
+    const std::string notLoaded = "error Mem2IXML, failed to load xml doc from stream, error 1.";
+    // Nor does it matter what the caller's document would load; its settings stay.
+    VARIANT allow = {};
+    allow.vt = VT_BOOL;
+    const Bstr prohibit(L"ProhibitDTD");
+    EXPECT_EQ(S_OK, ticket->setProperty(prohibit.Get(), allow));
+    EXPECT_EQ(S_OK, ticket->put_async(VARIANT_TRUE));
+    std::string deep;
+    for (int i = 0; i < 100000; ++i)
+    {
+        deep += "<e>";
+    }
+    const std::string dtd =
+        "<!DOCTYPE a SYSTEM \"file:///z:/etc/hostname\" [<!ENTITY e SYSTEM \"file:///z:/etc/hostname\">]>";
+    for (const std::string& text : {std::string(" "),
+                                    std::string("no document"),
+                                    FullTicket().substr(0, 900),
+                                    deep,
+                                    dtd + "<a>&e;</a>",
+                                    std::string("\0\0", 2),
+                                    std::string("<a>\xFF\xFE</a>"),
+                                    std::string(64 << 20, 'x')})
+    {
+        service.ptReplies[kDM2PT].data = BytesOf(text);
+        Convert(dm.Get(), E_FAIL);
+        EXPECT_EQ((Messages{notLoaded, failed}), log.TakeErrors()) << text.substr(0, 50);
+    }
+    Variant prohibited;
+    VARIANT_BOOL async = VARIANT_FALSE;
+    EXPECT_EQ(S_OK, ticket->getProperty(prohibit.Get(), prohibited.Receive()));
+    EXPECT_EQ(S_OK, ticket->get_async(&async));
+    EXPECT_EQ(std::pair(VARIANT_FALSE, VARIANT_TRUE), std::pair(prohibited.Get().boolVal, async));
+    ticket = Load(FullTicket());
+    for (const PTReply& reply :
+         {PTReply{E_ACCESSDENIED}, {kConflictResolved, Bytes(1), 0U}, {S_OK, Bytes(1), 0x80000000U}})
+    {
+        service.ptReplies[kDM2PT] = reply;
+        service.TakeCalls();
+        EXPECT_EQ(L"psk:Custom", Convert(dm.Get(), reply.result)[5]); // the ticket is as it was
+        const Messages calls = service.TakeCalls();
+        EXPECT_EQ("close", calls.back());
+        EXPECT_EQ(reply.data ? "freePT" : "query DM2PT", *(calls.end() - 2));
+    }
+    EXPECT_EQ(Messages{}, log.TakeErrors());
+}
+
+TEST_F(ToTicket, LargeRepliesAreLoaded)
+{
+    std::string body;
+    while (body.size() < 4 << 20)
+    {
+        body += Feature("ns0000:F", Option("ns0000:O", "<!-- " + std::string(60000, 'x') + " -->"));
+    }
+    service.ptReplies[kDM2PT].data = BytesOf(Ticket(body + Nup("2", "a")));
+    EXPECT_EQ(L"2", Convert(nullptr)[0]);
+}
+
+TEST_F(ToTicket, Capabilities)
+{
+    for (IXMLDOMDocument2* in : {ticket.Get(), static_cast<IXMLDOMDocument2*>(nullptr)})
+    {
+        service.ptReplies[kPT2PC].result = kConflictResolved;
+        ComPtr<IXMLDOMDocument2> capabilities;
+        EXPECT_EQ(kConflictResolved, provider->GetPrintCapabilities(in, capabilities.GetAddressOf()));
+        EXPECT_EQ(in != nullptr, service.ptInputs[kPT2PC].has_value());
+        EXPECT_EQ(1U, References(capabilities.Get()));
+        EXPECT_EQ((Texts{L"psk:PageScaling", L"psk:PageMediaType"}), Find(capabilities.Get(), L"//psf:Feature/@name"));
+        EXPECT_EQ(Texts{L"psk:Other"}, Find(capabilities.Get(), L"//psf:ParameterDef/@name"));
+        EXPECT_EQ((Messages{kOpen, "query PT2PC", "freePT", "close"}), service.TakeCalls());
+        EXPECT_EQ("verbose PTProvider::GetPrintCapabilities, return 262146.", log.Take().back());
+    }
+    const std::string failed = "error PTProvider::GetPrintCapabilities, failed to call Mem2IXML.";
+    const std::pair<PTReply, Messages> cases[] = {
+        {{E_ACCESSDENIED}, {}},
+        {{S_OK}, {}},
+        {{S_OK, Bytes(1), 0U}, {}},
+        {{S_OK, BytesOf("<a>")}, {"error Mem2IXML, failed to load xml doc from stream, error 1.", failed}}};
+    for (const auto& [reply, errors] : cases)
+    {
+        service.ptReplies[kPT2PC] = reply;
+        auto* capabilities = ticket.Get();
+        EXPECT_EQ(errors.empty() ? reply.result : E_FAIL, provider->GetPrintCapabilities(ticket.Get(), &capabilities));
+        EXPECT_EQ(ticket.Get(), capabilities); // not written
+        EXPECT_EQ(errors, log.TakeErrors());
+    }
+    EXPECT_EQ(1U, References(ticket.Get()));
+}
+
+TEST_F(ToTicket, Validation)
+{
+    const std::string failed = "error PTProvider::ValidatePrintTicket, failed to call Mem2IXML.";
+    const struct
+    {
+        PTReply reply;
+        HRESULT result;
+        ULONG references; // a ticket that has been loaded keeps one more, which is known
+        Messages errors;
+    } cases[] = {
+        {{S_OK, BytesOf(FullTicket())}, S_OK, 2, {}},
+        {{kConflictResolved, BytesOf(FullTicket())}, kConflictResolved, 2, {}},
+        {{E_ACCESSDENIED}, E_ACCESSDENIED, 1, {}},
+        {{S_OK, Bytes(1), 0U}, S_OK, 1, {}},
+        {{S_OK, BytesOf("<a")}, E_FAIL, 2, {"error Mem2IXML, failed to load xml doc from stream, error 1.", failed}}};
+    for (const auto& one : cases)
+    {
+        const auto asked = Load(Ticket(Nup("9", "a")));
+        service.ptReplies[kPTCHK] = one.reply;
+        service.TakeCalls();
+        log.Take();
+        EXPECT_EQ(one.result, provider->ValidatePrintTicket(asked.Get()));
+        EXPECT_EQ(one.references, References(asked.Get()));
+        if (one.references == 2)
+        {
+            asked->Release();
+        }
+        const Texts expected = one.references == 1 ? Texts{L"9"} : one.errors.empty() ? Texts{L"4"} : Texts{};
+        EXPECT_EQ(expected, Find(asked.Get(), L"//psf:ScoredProperty/psf:Value"));
+        EXPECT_EQ(one.reply.data ? (Messages{kOpen, "query PTCHK", "freePT", "close"})
+                                 : (Messages{kOpen, "query PTCHK", "close"}),
+                  service.TakeCalls());
+        EXPECT_EQ(one.errors, log.TakeErrors());
+    }
+    EXPECT_EQ("<psf:PrintTicket",
+              std::string(service.ptInputs[kPTCHK]->begin(), service.ptInputs[kPTCHK]->end()).substr(39, 16));
+}
+
+TEST_F(ToTicket, CapabilitiesForADeviceMode)
+{
+    const DeviceMode dm = Settings(kFeatureNup | kFeatureFinishing);
+    wchar_t name[] = L"srv\\Office Laser,4";
+    ComPtr<IXMLDOMDocument2> capabilities;
+    ASSERT_TRUE(GetPrintCapsXmlDoc(name, dm.Get(), capabilities.GetAddressOf()));
+    EXPECT_EQ(3U, Find(capabilities.Get(), L"//psf:Feature").size()); // page scaling is left in
+    EXPECT_EQ((Messages{kOpen, "query DM2PT", "query PT2PC", "freePT", "freePT", "close"}), service.TakeCalls());
+    const auto sent = Load(*service.ptInputs[kPT2PC]);
+    EXPECT_EQ(
+        (Texts{L"16", L"psk:LeftTop", L"psk:SaddleStitch", std::wstring(29, L'p'), L"ns0000:Glossy", L"psk:Custom"}),
+        SettingsOf(sent.Get()));
+    EXPECT_EQ(uint64_t{0}, CarriedPrivateSettings.featureBitmap);
+    // Into a document that is there; without a device mode and with an empty ticket nothing is sent along.
+    IXMLDOMDocument2* target = ticket.Get();
+    ASSERT_TRUE(GetPrintCapsXmlDoc(name, nullptr, &target));
+    EXPECT_EQ(std::nullopt, service.ptInputs[kPT2PC]);
+    service.ptReplies[kDM2PT] = {E_FAIL, Bytes(1), 0U};
+    service.ptReplies[kPT2PC] = {E_FAIL};
+    ASSERT_TRUE(GetPrintCapsXmlDoc(name, dm.Get(), &target));
+    EXPECT_EQ(ticket.Get(), target);
+    EXPECT_EQ(3U, Find(target, L"//psf:Feature").size());
+    EXPECT_EQ(1U, References(target));
+    log.Take();
+    // Failures, each reported once by its own message.
+    const std::string lead = "error GetPrintCapsXmlDoc, failed to ";
+    const auto fails = [&](const std::string& error)
+    {
+        ComPtr<IXMLDOMDocument2> made;
+        EXPECT_FALSE(GetPrintCapsXmlDoc(name, dm.Get(), made.GetAddressOf()));
+        EXPECT_EQ(nullptr, made.Get());
+        EXPECT_EQ(lead + error, log.TakeErrors().back());
+    };
+    service.ptReplies[kPT2PC] = {S_OK, BytesOf("<")};
+    fails("call Mem2IXML.");
+    service.ptReplies[kDM2PT] = {S_OK, BytesOf("<")};
+    service.TakeCalls();
+    fails("call Mem2IXML.");
+    EXPECT_EQ((Messages{kOpen, "query DM2PT", "freePT", "close"}), service.TakeCalls());
+    service.opens = false;
+    fails("open remote printer [srv\\Office Laser,4].");
+    EXPECT_FALSE(GetPrintCapsXmlDoc(name, dm.Get(), nullptr));
+}
+
+} // namespace
+} // namespace tsypr::test
