@@ -64,7 +64,7 @@ heading "Settings as a print ticket"
 # What print ticket services ask of the module, asked of it directly: its class object, bound to the printer.
 job="build/demo"
 show_printctl devmode "$printer" --set pagesPerSheet=4 --set nupLayout=psk:RightBottom --set staple=psk:StapleTopLeft \
-  --set punch=psk:LeftEdge --set "mediatype=$media" --out "$job/settings.bin" | head -n 1
+  --set punch=psk:LeftEdge --set "mediatype=$media" --out "$job/settings.bin" | sed -n 1p
 show_printctl ticket from-devmode "$printer" --in "$job/settings.bin"
 printctl ticket from-devmode "$printer" --in "$job/settings.bin" --out "$job/job.xml" >/dev/null
 
