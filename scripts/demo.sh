@@ -59,6 +59,10 @@ heading "An application's settings, merged while two-sided printing is locked"
 request=(--set "duplex=$unlike_duplex" --set "paper=$unlike_paper" --set copies=3)
 show_printctl devmode "$locked" "${request[@]}"
 merged=$(printctl devmode "$locked" "${request[@]}" --json)
+# One log for each process; their names sort by time, so the last one is this process's.
+log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
+log=${log_files[-1]}
+[ -f "$log" ] || die "the module left no log in the prefix"
 
 heading "Settings as a print ticket"
 # What print ticket services ask of the module, asked of it directly: its class object, bound to the printer.
@@ -76,11 +80,7 @@ echo "The same ticket, but with a staple at the bottom right, where this printer
 sed 's/psk:StapleTopLeft/psk:StapleBottomRight/g' "$job/job.xml" >"$job/lacking.xml"
 show_printctl ticket validate "$printer" "$job/lacking.xml" | sed -n '/^>/p; /^Conflicts were/,$p; /^No conflict/,$p'
 
-heading "What the module wrote to its log meanwhile"
-# One log for each process; their names sort by time.
-log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
-log=${log_files[-1]}
-[ -f "$log" ] || die "the module left no log in the prefix"
+heading "What the module wrote to its log during that merge"
 echo "C:\\ProgramData\\Zelmora\\Tessary\\logs\\${log##*/} begins:"
 echo
 head -n 8 "$log"
@@ -90,4 +90,5 @@ echo
 grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyDM" "$log" | sed -n '/dmIn:/,$p'
 
 heading "What was seen"
+log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"
