@@ -48,7 +48,8 @@ TextPlacement PlaceText(int32_t width, int32_t height, int32_t fontHeight, uint3
     else
     {
         place.x = width / 2 - fontHeight / 2;
-        place.y = Truncated(height / 2 - slope * fontHeight * 0.5);
+        const int middle = height / 2;
+        place.y = Truncated(middle - slope * fontHeight * 0.5);
         place.alignment = TA_CENTER | TA_TOP;
     }
     return place;

@@ -101,7 +101,8 @@ TEST_F(Renderer, PutsInkOfTheColorAlongTheDiagonal)
         {
             const uint32_t value = pixels.values[static_cast<size_t>(i)];
             const double across = i % c.width;
-            const double up = c.height - 1 - i / c.width - across * c.height / c.width;
+            const int row = i / c.width;
+            const double up = c.height - 1 - row - across * c.height / c.width;
             const double distance = std::fabs(up) * c.width / std::hypot(c.width, c.height);
             solid += value == ink ? 1 : 0;
             off += value != 0xFFFFFF && distance > 48 ? 1 : 0;

@@ -5,6 +5,7 @@
 #include <set>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 namespace tsypr::test
 {
@@ -111,11 +112,11 @@ bool IsLive(HGDIOBJ object)
 using namespace tsypr::test;
 
 #define TESSARY_CALL(function, effect, failure)                                                                        \
-    extern "C" decltype(&function) __real___imp_##function;                                                            \
+    extern "C" decltype(&(function)) __real___imp_##function;                                                          \
     static constexpr char k##function[] = #function;                                                                   \
-    extern "C" decltype(&function) __wrap___imp_##function;                                                            \
-    decltype(&function) __wrap___imp_##function =                                                                      \
-        Call<decltype(&function)>::Run<__real___imp_##function, k##function, Effect::effect, failure>;
+    extern "C" decltype(&(function)) __wrap___imp_##function;                                                          \
+    decltype(&(function)) __wrap___imp_##function =                                                                    \
+        Call<decltype(&(function))>::Run<__real___imp_##function, k##function, Effect::effect, failure>;
 
 TESSARY_CALL(BitBlt, None, FALSE)
 TESSARY_CALL(CreateCompatibleBitmap, Creates, nullptr)
