@@ -383,6 +383,29 @@ TEST_F(WatermarkPage, AnswersItsSheet)
     EXPECT_EQ(0, Command(IDC_WATERMARK_TEXT, CBN_DROPDOWN));
 }
 
+// Also when the control itself became smaller since, as one for pictures may when its picture is taken away.
+TEST_F(WatermarkPage, DrawsThePreviewAtTheSizeOfItsControl)
+{
+    Open(Block(L"Mine"));
+    HWND control = GetDlgItem(page, IDC_WATERMARK_PREVIEW);
+    for (const SIZE size : {SIZE{252, 336}, SIZE{84, 112}, SIZE{336, 448}})
+    {
+        SetWindowPos(control, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+        WatermarkProc(page, WM_INITDIALOG, 0, reinterpret_cast<LPARAM>(&sheetPage));
+        for (const int index : {3, 0, 1})
+        {
+            Select(index);
+            if (index != 0)
+            {
+                const Pixels pixels(Preview());
+                EXPECT_EQ(size.cx, pixels.width);
+                EXPECT_EQ(size.cy, pixels.height);
+            }
+            SetWindowPos(control, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
+        }
+    }
+}
+
 TEST_F(WatermarkPage, WorksWithoutItsPictureAndWithAnyFont)
 {
     for (const bool hasModule : {true, false})
