@@ -1,6 +1,7 @@
 #include "lib/log/line_throttle.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <span>
 
