@@ -4,6 +4,7 @@
 #include "ptprovider/provider_hooks.h"
 #include "remote/devmode_names.h"
 #include "remote/remote_printer_service.h"
+#include "watermark/preview.h"
 
 namespace tsypr
 {
@@ -77,6 +78,7 @@ void ReleaseModuleResources() noexcept
     DeleteBitmap(PortraitBitmap);
     DeleteBitmap(LandscapeBitmap);
     DeleteBitmap(LogoBitmap);
+    ReleasePreview();
     if (LanguageModule != nullptr)
     {
         FreeLibrary(LanguageModule);

@@ -1,5 +1,6 @@
 #include "module/logging_setup.h"
 
+#include "lib/string/ascii.h"
 #include "lib/unicode/process_code_page.h"
 #include "lib/user/app_data.h"
 #include "lib/user/preferences.h"
@@ -12,7 +13,6 @@
 
 #include <process.h>
 
-#include <cstring>
 #include <string>
 
 namespace tsypr
@@ -51,7 +51,7 @@ std::string ReadLevelName(const char* tag, const std::string& moduleKey)
     {
         return "info";
     }
-    return _stricmp(level.c_str(), "trace") == 0 ? "verbose" : level;
+    return EqualsIgnoringCase(level, "trace") ? "verbose" : level;
 }
 
 // One file per process start. Empty when there is no application data directory: the log then runs without a file.

@@ -15,9 +15,7 @@
 #include "ui/paper_page.h"
 #include "ui/sheet_flow.h"
 #include "ui/ui_context.h"
-#if __has_include("watermark/watermark_page.h")
 #include "watermark/watermark_page.h"
-#endif
 
 #include <winspool.h>
 
@@ -53,11 +51,9 @@ constexpr PageEntry kPages[] = {
     {IDD_FINISHING, FinishingProc, &UIContext::finishingPage, "%s, failed to allocate memory for finishing page.\n"},
 };
 
-#if __has_include("watermark/watermark_page.h")
 // For this driver's own printers only. The message is meant to say "compression".
 constexpr PageEntry kWatermarkPage = {
     IDD_WATERMARK, WatermarkProc, &UIContext::watermarkPage, "%s, failed to allocate memory for compression page.\n"};
-#endif
 
 // The record with the member that the mingw-w64 headers lack.
 struct WholePropSheetPage
@@ -104,11 +100,7 @@ bool AddPages(PROPSHEETUI_INFO& info, UIContext& context) noexcept
             return false;
         }
     }
-#if __has_include("watermark/watermark_page.h")
     return !IsOwnDriver() || AddPage(info, context, kWatermarkPage);
-#else
-    return true;
-#endif
 }
 
 void FindDriver(const PrinterName& name) noexcept

@@ -7,11 +7,13 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstring>
 
 namespace tsypr
 {
 
 inline constexpr size_t kWatermarkTextChars = 128; // terminator included
+inline constexpr wchar_t kNoWatermark[] = L"No Watermark";
 
 struct WatermarkBlock
 {
@@ -30,6 +32,15 @@ static_assert(offsetof(WatermarkBlock, color) == 96);
 static_assert(offsetof(WatermarkBlock, text) == 100);
 static_assert(offsetof(WatermarkBlock, placement) == 376);
 static_assert(offsetof(WatermarkBlock, flag) == 380);
+
+// The text as readers may use it: one without terminator counts as its first 127 characters.
+inline FixedText<kWatermarkTextChars> WatermarkText(const WatermarkBlock& block) noexcept
+{
+    FixedText<kWatermarkTextChars> copy;
+    std::memcpy(copy.text, block.text, sizeof(copy.text));
+    copy.text[kWatermarkTextChars - 1] = L'\0';
+    return copy;
+}
 
 } // namespace tsypr
 

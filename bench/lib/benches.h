@@ -15,6 +15,9 @@ void MeasureLocks(Report& report);
 // Lines that do go to the file, against other ways to write them.
 void MeasureLogLines(Report& report);
 
+// Messages of the module into a fixed buffer, against the C library's formatter.
+void MeasureFormatter(Report& report);
+
 // Texts between encodings, against ICU called directly and against Windows' own functions.
 void MeasureCodeSets(Report& report);
 

@@ -21,6 +21,7 @@ struct Bench
 };
 
 constexpr Bench kBenches[] = {
+    {"format", MeasureFormatter},
     {"lock", MeasureLocks},
     {"log", MeasureLogLines},
     {"codeset", MeasureCodeSets},

@@ -1,6 +1,7 @@
 #include "lib/log/line_throttle.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <span>
 
@@ -46,8 +47,8 @@ void LineThrottle::Start(uint32_t lines, uint32_t seconds) noexcept
 LineThrottle::Slot& LineThrottle::Find(const LineKey& key, int64_t now) noexcept
 {
     const std::span<Slot> set(m_slots + key.hash.first % (kSlots / kWays) * kWays, kWays);
-    Slot* best = nullptr;
-    uint32_t bestCount = 0;
+    Slot* best = set.data();
+    uint32_t bestCount = UINT32_MAX;
     for (Slot& slot : set)
     {
         if (slot.count != 0 && slot.key == key)
@@ -55,7 +56,7 @@ LineThrottle::Slot& LineThrottle::Find(const LineKey& key, int64_t now) noexcept
             return slot;
         }
         const uint32_t count = IsOver(slot, now) ? 0 : slot.count;
-        if (best == nullptr || count < bestCount || (count == bestCount && slot.begin < best->begin))
+        if (count < bestCount || (count == bestCount && slot.begin < best->begin))
         {
             best = &slot;
             bestCount = count;

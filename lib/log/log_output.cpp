@@ -18,7 +18,7 @@ constexpr int64_t kLookMs = 1000;           // how long a file that was renamed 
 constexpr int64_t kRetryMs = 1000;          // between attempts to write when that failed
 constexpr int64_t kRotationRetryMs = 1000;  // when a rotation failed, at first,
 constexpr int64_t kRotationMostMs = 60'000; // and at most
-constexpr int64_t kRotationBusyMs = 2;     // when another process is about to rotate
+constexpr int64_t kRotationBusyMs = 2;      // when another process is about to rotate
 
 } // namespace
 

@@ -22,7 +22,7 @@ UtcTime ToUtcTime(int64_t millisecondsSince1970) noexcept
             static_cast<int>(time.subseconds().count())};
 }
 
-Deadline::Deadline(int64_t microseconds) noexcept : m_end(-1)
+Deadline::Deadline(int64_t microseconds) noexcept
 {
     if (microseconds >= 0)
     {

@@ -45,7 +45,7 @@ public:
     }
 
 private:
-    int64_t m_end; // -1: never
+    int64_t m_end = -1; // -1: never
 };
 
 } // namespace tsypr

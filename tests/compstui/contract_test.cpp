@@ -16,75 +16,81 @@ struct FaultyCall
 {
     const char* line;
     LONG_PTR answer;
-    std::function<LONG_PTR(Page& page)> call;
+    UINT function;
+    LPARAM first;
+    LPARAM second;
 };
 
-LONG_PTR AddChanged(Page& page, const std::function<void(PROPSHEETPAGEW&)>& change)
+constexpr LPARAM kNoHandle = 0x1234;
+
+const FaultyCall kFaultyCalls[] = {
+    {"ComPropSheet: there is no such function code", 0, MAX_CPSFUNC_INDEX + 1, 0, 0},
+    {"CPSFUNC_SET_RESULT: a handle is not one of an open property sheet", -1, CPSFUNC_SET_RESULT, kNoHandle, 1},
+    {"CPSFUNC_GET_PAGECOUNT: a parameter that is not used is not zero", 0, CPSFUNC_GET_PAGECOUNT, 0, 1},
+    {"CPSFUNC_GET_HPSUIPAGES: there is no array", 0, CPSFUNC_GET_HPSUIPAGES, 0, 1},
+    {"CPSFUNC_ADD_PROPSHEETPAGEW: there is no PROPSHEETPAGE", 0, CPSFUNC_ADD_PROPSHEETPAGEW, 0, 0},
+    {"CPSFUNC_ADD_HPROPSHEETPAGE: there is no page", 0, CPSFUNC_ADD_HPROPSHEETPAGE, 0, 0},
+    {"CPSFUNC_ADD_PFNPROPSHEETUIW: there is no function", 0, CPSFUNC_ADD_PFNPROPSHEETUIW, 0, 0},
+    {"CPSFUNC_INSERT_PSUIPAGEW: there is no INSERTPSUIPAGE_INFO, or its cbSize is wrong",
+     0,
+     CPSFUNC_INSERT_PSUIPAGEW,
+     0,
+     0},
+    {"CPSFUNC_LOAD_CPSUI_STRINGW: there is no buffer", -1, CPSFUNC_LOAD_CPSUI_STRINGW, 0, 10},
+    {"CPSFUNC_SET_FUSION_CONTEXT: there is no activation context", 0, CPSFUNC_SET_FUSION_CONTEXT, 0, 0},
+};
+
+void ExpectFault(const char* line, LONG_PTR expected, const std::function<LONG_PTR()>& call)
+{
+    const DWORD before = Faults();
+    EXPECT_EQ(call(), expected) << line;
+    EXPECT_EQ(Faults(), before + 1) << line;
+    EXPECT_EQ(LastFault(), std::string("compstui: contract fault: ") + line + ".");
+}
+
+// A page that is the given one but for a change.
+void ExpectPageFault(const char* what, const Page& page, const std::function<void(PROPSHEETPAGEW&)>& change)
 {
     PROPSHEETPAGEW record = page.record;
     change(record);
-    return page.Ask(CPSFUNC_ADD_PROPSHEETPAGEW, reinterpret_cast<LPARAM>(&record));
+    ExpectFault((std::string("CPSFUNC_ADD_PROPSHEETPAGEW: ") + what).c_str(),
+                0,
+                [&] { return page.Ask(CPSFUNC_ADD_PROPSHEETPAGEW, reinterpret_cast<LPARAM>(&record)); });
 }
 
-const FaultyCall kFaultyCalls[] = {
-    {"ComPropSheet: there is no such function code", 0, [](Page& page) { return page.Ask(MAX_CPSFUNC_INDEX + 1); }},
-    {"CPSFUNC_SET_RESULT: a handle is not one of an open property sheet",
-     -1,
-     [](Page& page) { return page.Ask(CPSFUNC_SET_RESULT, 0x1234, CPSUI_OK); }},
-    {"CPSFUNC_SET_RESULT: a handle is not one of an open property sheet",
-     -1,
-     [](Page& page) { return page.describer.comPropSheet(nullptr, CPSFUNC_SET_RESULT, 0, CPSUI_OK); }},
-    {"CPSFUNC_GET_PAGECOUNT: hComPropSheet is a page and not a group",
-     0,
-     [](Page& page) { return page.describer.comPropSheet(page.handle, CPSFUNC_GET_PAGECOUNT, 0, 0); }},
-    {"CPSFUNC_GET_PAGECOUNT: a parameter that is not used is not zero",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_GET_PAGECOUNT, 0, 1); }},
-    {"CPSFUNC_GET_PAGECOUNT: called on another thread than the property sheet's",
-     0,
-     [](Page& page)
-     {
-         LONG_PTR answer = -1;
-         std::thread([&] { answer = page.Ask(CPSFUNC_GET_PAGECOUNT); }).join();
-         return answer;
-     }},
-    {"CPSFUNC_GET_HPSUIPAGES: there is no array", 0, [](Page& page) { return page.Ask(CPSFUNC_GET_HPSUIPAGES, 0, 1); }},
-    {"CPSFUNC_ADD_PROPSHEETPAGEW: there is no PROPSHEETPAGE",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_ADD_PROPSHEETPAGEW); }},
-    {"CPSFUNC_ADD_PROPSHEETPAGEW: dwSize of PROPSHEETPAGE is too small",
-     0,
-     [](Page& page) { return AddChanged(page, [](auto& record) { record.dwSize = 40; }); }},
-    {"CPSFUNC_ADD_PROPSHEETPAGEW: the page has no dialog procedure",
-     0,
-     [](Page& page) { return AddChanged(page, [](auto& record) { record.pfnDlgProc = nullptr; }); }},
-    {"CPSFUNC_ADD_PROPSHEETPAGEW: the page's dialog template does not exist",
-     0,
-     [](Page& page) { return AddChanged(page, [](auto& record) { record.pszTemplate = MAKEINTRESOURCEW(999); }); }},
-    {"CPSFUNC_ADD_HPROPSHEETPAGE: there is no page",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_ADD_HPROPSHEETPAGE); }},
-    {"CPSFUNC_ADD_PFNPROPSHEETUIW: there is no function",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_ADD_PFNPROPSHEETUIW); }},
-    {"PROPSHEETUI_REASON_INIT: the function succeeded and added no page",
-     0,
-     [](Page& page)
-     {
-         static Events events;
-         static const Describer empty(events);
-         return page.Ask(CPSFUNC_ADD_PFNPROPSHEETUIW, reinterpret_cast<LPARAM>(Describer::Call), empty.AsParam());
-     }},
-    {"CPSFUNC_DELETE_HCOMPROPSHEET: a group cannot be deleted while its function runs",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_DELETE_HCOMPROPSHEET, reinterpret_cast<LPARAM>(page.describer.group)); }},
-    {"CPSFUNC_LOAD_CPSUI_STRINGW: there is no buffer",
-     -1,
-     [](Page& page) { return page.Ask(CPSFUNC_LOAD_CPSUI_STRINGW, 0, MAKELONG(10, IDS_CPSUI_YES)); }},
-    {"CPSFUNC_SET_FUSION_CONTEXT: there is no activation context",
-     0,
-     [](Page& page) { return page.Ask(CPSFUNC_SET_FUSION_CONTEXT); }},
-};
+void MakeFaults(Page& page)
+{
+    for (const auto& [line, answer, function, first, second] : kFaultyCalls)
+    {
+        ExpectFault(line, answer, [&] { return page.Ask(function, first, second); });
+    }
+    ExpectPageFault("dwSize of PROPSHEETPAGE is too small", page, [](auto& record) { record.dwSize = 40; });
+    ExpectPageFault("the page has no dialog procedure", page, [](auto& record) { record.pfnDlgProc = nullptr; });
+    ExpectPageFault("the page's dialog template does not exist",
+                    page,
+                    [](auto& record) { record.pszTemplate = MAKEINTRESOURCEW(999); });
+    ExpectFault("CPSFUNC_GET_PAGECOUNT: hComPropSheet is a page and not a group",
+                0,
+                [&] { return page.describer.comPropSheet(page.handle, CPSFUNC_GET_PAGECOUNT, 0, 0); });
+    ExpectFault("CPSFUNC_GET_PAGECOUNT: called on another thread than the property sheet's",
+                0,
+                [&]
+                {
+                    LONG_PTR answer = -1;
+                    std::thread([&] { answer = page.Ask(CPSFUNC_GET_PAGECOUNT); }).join();
+                    return answer;
+                });
+    const auto group = reinterpret_cast<LPARAM>(page.describer.group);
+    ExpectFault("CPSFUNC_DELETE_HCOMPROPSHEET: a group cannot be deleted while its function runs",
+                0,
+                [&] { return page.Ask(CPSFUNC_DELETE_HCOMPROPSHEET, group); });
+    Events events;
+    const Describer empty(events);
+    const auto function = reinterpret_cast<LPARAM>(Describer::Call);
+    ExpectFault("PROPSHEETUI_REASON_INIT: the function succeeded and added no page",
+                0,
+                [&] { return page.Ask(CPSFUNC_ADD_PFNPROPSHEETUIW, function, empty.AsParam()); });
+}
 
 TEST(Contract, FaultyCallsAreAnsweredWithTheDocumentedFailure)
 {
@@ -94,20 +100,13 @@ TEST(Contract, FaultyCallsAreAnsweredWithTheDocumentedFailure)
     describer.on[PROPSHEETUI_REASON_INIT] = [&](PROPSHEETUI_INFO&, LPARAM)
     {
         EXPECT_NE(page.Add(), nullptr);
-        for (const FaultyCall& faulty : kFaultyCalls)
-        {
-            const DWORD before = Faults();
-            EXPECT_EQ(faulty.call(page), faulty.answer) << faulty.line;
-            EXPECT_EQ(Faults(), before + 1) << faulty.line;
-            EXPECT_EQ(LastFault(), std::string("compstui: contract fault: ") + faulty.line + ".");
-        }
+        MakeFaults(page);
         return -1;
     };
     EXPECT_EQ(ShowSheet(describer).answer, CPSUI_CANCEL);
-    // The sheet is over and with it its handles.
-    const DWORD before = Faults();
-    EXPECT_EQ(page.SetResult(CPSUI_OK), -1);
-    EXPECT_EQ(Faults(), before + 1);
+    ExpectFault("CPSFUNC_SET_RESULT: a handle is not one of an open property sheet",
+                -1,
+                [&] { return page.SetResult(CPSUI_OK); });
 }
 
 TEST(Contract, ItemPagesAreRefusedWithoutBlame)

@@ -1,14 +1,12 @@
 // Windows' DocumentProperties with a driver that is not ours, over our property sheet interface.
 #include "tests/compstui/sheet_fixture.h"
-#include "tests/compstui/test_driver.h"
 #include "tools/compstui/contract_exports.h"
+#include "ui/document_property_header.h"
 
 #include <winspool.h>
 
 #include <filesystem>
-#include <sstream>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tsypr::compstui_tests
@@ -16,124 +14,124 @@ namespace tsypr::compstui_tests
 namespace
 {
 
-using testing::ElementsAre;
+std::wstring g_name = L"Property Sheets";
+Describer* g_driver = nullptr;
 
-// Installs the driver and a printer of it in the prefix, where they stay.
-class DocumentPropertiesTest : public testing::Test
+LONG CALLBACK CallDriver(PROPSHEETUI_INFO* info, LPARAM lParam)
 {
-protected:
-    static void SetUpTestSuite()
-    {
-        wchar_t program[MAX_PATH];
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        std::wstring file = std::filesystem::path(program).parent_path() / L"compstui_test_driver.dll";
-        std::wstring environment = L"Windows x64";
-        DRIVER_INFO_3W driver = {};
-        driver.cVersion = 3;
-        driver.pName = s_name.data();
-        driver.pEnvironment = environment.data();
-        driver.pDriverPath = driver.pDataFile = driver.pConfigFile = file.data();
-        const DWORD flags = APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY;
-        ASSERT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&driver), flags)) << GetLastError();
-        std::wstring processor = L"winprint";
-        std::wstring port = L"LPT1:";
-        std::wstring dataType = L"RAW";
-        PRINTER_INFO_2W printer = {};
-        printer.pPrinterName = printer.pDriverName = s_name.data();
-        printer.pPortName = port.data();
-        printer.pPrintProcessor = processor.data();
-        printer.pDatatype = dataType.data();
-        const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&printer));
-        ASSERT_TRUE(added != nullptr || GetLastError() == ERROR_PRINTER_ALREADY_EXISTS) << GetLastError();
-        ClosePrinter(added);
-        ASSERT_TRUE(OpenPrinterW(s_name.data(), &s_printer, nullptr));
-        LoadDriver();
-    }
+    return g_driver->Answer(*info, lParam);
+}
 
-    static void TearDownTestSuite()
-    {
-        ClosePrinter(s_printer);
-        FreeLibrary(s_driver);
-    }
+template <typename Function>
+Function FunctionOf(HMODULE library, const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+}
 
-    static LONG Prompt(DEVMODEW& out, int button)
-    {
-        const User user({button});
-        return DocumentPropertiesW(nullptr, s_printer, s_name.data(), &out, nullptr, DM_IN_PROMPT | DM_OUT_BUFFER);
-    }
+// Installs the driver and a printer of it in the prefix, where they stay, and opens the printer.
+HANDLE InstallPrinter()
+{
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    std::wstring file = std::filesystem::path(program).parent_path() / L"compstui_test_driver.dll";
+    std::wstring environment = L"Windows x64";
+    DRIVER_INFO_3W driver = {};
+    driver.cVersion = 3;
+    driver.pName = g_name.data();
+    driver.pEnvironment = environment.data();
+    driver.pDriverPath = driver.pDataFile = driver.pConfigFile = file.data();
+    const DWORD flags = APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY;
+    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, reinterpret_cast<BYTE*>(&driver), flags)) << GetLastError();
+    std::wstring processor = L"winprint";
+    std::wstring port = L"LPT1:";
+    std::wstring dataType = L"RAW";
+    PRINTER_INFO_2W info = {};
+    info.pPrinterName = info.pDriverName = g_name.data();
+    info.pPortName = port.data();
+    info.pPrintProcessor = processor.data();
+    info.pDatatype = dataType.data();
+    const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info));
+    EXPECT_TRUE(added != nullptr || GetLastError() == ERROR_PRINTER_ALREADY_EXISTS) << GetLastError();
+    ClosePrinter(added);
+    HANDLE printer = nullptr;
+    EXPECT_TRUE(OpenPrinterW(g_name.data(), &printer, nullptr));
+    return printer;
+}
 
-    static LONG WithoutSheet(DEVMODEW& in)
-    {
-        const DWORD mode = DM_IN_BUFFER | DM_IN_PROMPT | DM_OUT_BUFFER;
-        DEVMODEW out = {};
-        return DocumentPropertiesW(nullptr, s_printer, s_name.data(), &out, &in, mode);
-    }
+// Lets the copy of the driver that the spooler has made describe the test's sheet.
+void ConnectDriver(HANDLE printer)
+{
+    DWORD needed = 0;
+    std::vector<BYTE> buffer(4096);
+    ASSERT_TRUE(GetPrinterDriverW(printer, nullptr, 3, buffer.data(), 4096, &needed));
+    const HMODULE driver = LoadLibraryW(reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data())->pConfigFile);
+    ASSERT_NE(driver, nullptr);
+    FunctionOf<void(WINAPI*)(PFNPROPSHEETUI)>(driver, "SetDescriber")(CallDriver);
+}
 
-    // What the driver was asked since the last time.
-    static Events DriverEvents()
-    {
-        char text[1024];
-        reinterpret_cast<TestDriverLogFunction>(reinterpret_cast<void*>(GetProcAddress(s_driver, "TestDriverLog")))(
-            text, sizeof(text));
-        Events events;
-        std::istringstream lines(text);
-        for (std::string line; std::getline(lines, line);)
-        {
-            events.push_back(line);
-        }
-        return events;
-    }
-
-private:
-    // The copy that the spooler has made and uses.
-    static void LoadDriver()
-    {
-        DWORD needed = 0;
-        std::vector<BYTE> buffer(4096);
-        ASSERT_TRUE(GetPrinterDriverW(s_printer, nullptr, 3, buffer.data(), 4096, &needed));
-        s_driver = LoadLibraryW(reinterpret_cast<const DRIVER_INFO_3W*>(buffer.data())->pConfigFile);
-        ASSERT_NE(s_driver, nullptr);
-    }
-
-    inline static std::wstring s_name = L"Property Sheets";
-    inline static HANDLE s_printer = nullptr;
-    inline static HMODULE s_driver = nullptr;
+struct Case
+{
+    std::vector<int> buttons; // none for a driver that shows no sheet
+    LONG answer;
+    short copies;
+    Events events;
 };
 
-TEST_F(DocumentPropertiesTest, ReturnsTheButtonAndTheDriversSettings)
-{
-    struct Case
-    {
-        int button;
-        LONG answer;
-        short copies;
-        Events events;
-    };
-    const Case cases[] = {
-        {IDOK, IDOK, kTestDriverCopies, {"INIT", "RESULT", "SET_RESULT answered 2", "DESTROY closed by the user"}},
-        {IDCANCEL, IDCANCEL, 7, {"INIT", "DESTROY closed by the user"}},
-        {kCloseBox, IDCANCEL, 7, {"INIT", "DESTROY closed by the user"}},
-    };
-    for (const Case& one : cases)
-    {
-        SCOPED_TRACE(one.button);
-        DEVMODEW out = {};
-        out.dmSize = sizeof(out);
-        out.dmCopies = 7;
-        EXPECT_EQ(Prompt(out, one.button), one.answer);
-        EXPECT_EQ(out.dmCopies, one.copies);
-        EXPECT_EQ(DriverEvents(), one.events);
-    }
-    DEVMODEW refused = {};
-    refused.dmSize = sizeof(refused);
-    refused.dmCopies = kTestDriverRefusedCopies;
-    EXPECT_EQ(WithoutSheet(refused), -1);
-    EXPECT_EQ(DriverEvents(), Events({"INIT", "DESTROY"}));
+const Case kCases[] = {
+    {{IDOK}, IDOK, 42, {"INIT", "apply", "RESULT", "DESTROY"}},
+    {{IDCANCEL}, IDCANCEL, 7, {"INIT", "reset", "DESTROY"}},
+    {{kCloseBox}, IDCANCEL, 7, {"INIT", "reset", "DESTROY"}},
+    {{}, -1, 7, {"INIT", "DESTROY"}},
+};
 
-    // It was our interface that winspool called, and neither it nor the driver made a mistake.
-    const HMODULE used = GetModuleHandleW(L"compstui.dll");
-    const auto faults = reinterpret_cast<decltype(&CompstuiContractFaults)>(
-        reinterpret_cast<void*>(GetProcAddress(used, "CompstuiContractFaults")));
+void ExpectOutcome(HANDLE printer, const Case& expected)
+{
+    DEVMODEW out = {};
+    out.dmSize = sizeof(out);
+    out.dmCopies = 7;
+    Events events;
+    Describer driver(events);
+    Page page(driver, kFirstPage);
+    g_driver = &driver;
+    driver.on[PROPSHEETUI_REASON_INIT] = [&](PROPSHEETUI_INFO& info, LPARAM lParam)
+    {
+        const auto& header = *reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(lParam);
+        EXPECT_EQ(info.lParamInit, lParam);
+        EXPECT_EQ(header.pszPrinterName, g_name);
+        EXPECT_EQ(header.pdmOut, &out);
+        EXPECT_EQ(header.fMode, static_cast<DWORD>(DM_IN_PROMPT | DM_OUT_BUFFER));
+        return !expected.buttons.empty() && page.Add() != nullptr ? 1 : 0;
+    };
+    driver.on[PROPSHEETUI_REASON_SET_RESULT] = [&](PROPSHEETUI_INFO&, LPARAM)
+    {
+        out.dmCopies = 42;
+        return 1;
+    };
+    page.on[static_cast<int>(PSN_APPLY)] = [&](HWND, const PSHNOTIFY&)
+    {
+        EXPECT_EQ(page.SetResult(CPSUI_OK), 2);
+        return PSNRET_NOERROR;
+    };
+    const User user(expected.buttons);
+    EXPECT_EQ(DocumentPropertiesW(nullptr, printer, g_name.data(), &out, nullptr, DM_IN_PROMPT | DM_OUT_BUFFER),
+              expected.answer);
+    EXPECT_EQ(out.dmCopies, expected.copies);
+    EXPECT_EQ(events, expected.events);
+}
+
+TEST(DocumentPropertiesTest, ReturnsTheButtonAndTheDriversSettings)
+{
+    const HANDLE printer = InstallPrinter();
+    ConnectDriver(printer);
+    for (const Case& one : kCases)
+    {
+        SCOPED_TRACE(one.buttons.empty() ? 0 : one.buttons.front());
+        ExpectOutcome(printer, one);
+    }
+    ClosePrinter(printer);
+    // It was our interface that winspool called, and nobody made a mistake.
+    const auto faults =
+        FunctionOf<decltype(&CompstuiContractFaults)>(GetModuleHandleW(L"compstui.dll"), "CompstuiContractFaults");
     ASSERT_NE(faults, nullptr);
     EXPECT_EQ(faults(), 0U);
 }

@@ -14,7 +14,7 @@ namespace tsypr::compstui_tests
 namespace
 {
 
-constexpr DWORD kPatience = 10000;
+constexpr DWORD kPatience = 30000;
 
 BOOL CALLBACK KeepSheet(HWND window, LPARAM found)
 {
@@ -112,6 +112,10 @@ User::User(std::vector<int> buttons, DWORD sheetThread)
     : m_thread(
           [buttons = std::move(buttons), sheetThread]
           {
+              if (buttons.empty())
+              {
+                  return;
+              }
               HWND sheet = nullptr;
               for (const DWORD begin = GetTickCount(); sheet == nullptr && GetTickCount() - begin < kPatience; Sleep(1))
               {

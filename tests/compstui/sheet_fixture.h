@@ -83,7 +83,7 @@ struct Page
     std::map<int, Action> on;
 };
 
-// Waits for the property sheet of a thread and presses its buttons one after the other.
+// Waits for the property sheet of a thread and presses its buttons one after the other. Without buttons expects none.
 class User
 {
 public:

@@ -1,0 +1,259 @@
+#include "watermark/watermarker.h"
+#include "tests/watermark/watermark_fixture.h"
+#include "watermark/text_placement.h"
+
+#include <climits>
+#include <cmath>
+#include <cstdlib>
+#include <random>
+
+namespace tsypr::test
+{
+namespace
+{
+
+constexpr char kPreview[] = "Watermarker::CreateBMPPreview";
+constexpr char kDraw[] = "Watermarker::DrawWatermarkOnBMP";
+
+class Renderer : public WatermarkTest
+{
+protected:
+    ~Renderer() override
+    {
+        EXPECT_EQ(0U, LiveObjects());
+    }
+
+    // As the screen's bitmaps are; the renderer deletes it.
+    static HBITMAP WhitePage(int width, int height)
+    {
+        WindowDc screen;
+        HDC screenDc = screen.Fetch(nullptr);
+        const MemoryDc dc(CreateCompatibleDC(screenDc));
+        HBITMAP page = CreateCompatibleBitmap(screenDc, width, height);
+        SelectAtEnd previous;
+        previous.Remember(dc.get(), SelectObject(dc.get(), page));
+        PatBlt(dc.get(), 0, 0, width, height, WHITENESS);
+        return page;
+    }
+
+    static BitmapOwner Render(WatermarkBlock block, int width = 168, int height = 224)
+    {
+        return BitmapOwner(Watermarker::CreateBMPPreview(nullptr, WhitePage(width, height), block));
+    }
+};
+
+TEST(WatermarkPlacement, HasTheGoldenNumbers)
+{
+    const struct
+    {
+        int width, height, fontHeight;
+        uint32_t units;
+        double angle;
+        LONG escapement;
+        int x, y;
+        bool isExceed;
+    } cases[] = {
+        {600, 800, 48, 12, 53.1301024, 531, 276, 368, false},
+        {500, 500, 48, 12, 45.0000000514, 450, 226, 226, false},
+        {101, 77, 25, 3, 37.3210362, 373, 38, 28, false},
+        {300, 1000, 301, 1, 73.3007558, 733, 0, -1, false}, // -1.67 goes toward zero
+        {168, 224, 1, 497, 53.1301024, 531, 84, 111, false},
+        {168, 224, 1, 498, 53.1301024, 531, 0, 224, true},
+        {168, 224, 25, 30, 53.1301024, 531, 0, 212, true},
+        {0, 100, 10, 1, 90.0000001, 900, -5, INT_MIN, false},
+        {168, 224, 1 << 30, 4, 53.1301024, 531, 84 - (1 << 29), -715827770, false}, // a length of 2^32 counts as none
+        {40000, 40000, 10, 127, 45.0, 450, 19995, 19995, false},                    // so does this page's diagonal
+    };
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(testing::Message() << c.width << "x" << c.height << ", " << c.units << " of " << c.fontHeight);
+        const TextPlacement place = PlaceText(c.width, c.height, c.fontHeight, c.units);
+        EXPECT_NEAR(c.angle, place.angle, 1e-7);
+        EXPECT_EQ(c.escapement, place.escapement);
+        EXPECT_EQ(c.x, place.x);
+        EXPECT_EQ(c.y, place.y);
+        EXPECT_EQ(c.isExceed ? 0U : 6U, place.alignment);
+        EXPECT_EQ(c.isExceed, place.isExceed);
+    }
+    EXPECT_NEAR(45.0000000514, PlaceText(9, 9, 1, 1).angle, 1e-10);
+}
+
+TEST_F(Renderer, PutsInkOfTheColorAlongTheDiagonal)
+{
+    const struct
+    {
+        std::wstring text;
+        int width, height;
+        COLORREF color;
+    } cases[] = {{L"Confidential", 168, 224, RGB(255, 0, 0)},
+                 {L"Top Secret", 224, 168, RGB(0, 160, 0)},
+                 {L"A text that is much longer than the diagonal of the page", 168, 224, RGB(0, 0, 255)}};
+    for (const auto& c : cases)
+    {
+        const Pixels pixels(Render(Block(c.text, -48, c.color), c.width, c.height).get());
+        ASSERT_EQ(c.width, pixels.width);
+        ASSERT_EQ(c.height, pixels.height);
+        const auto ink = static_cast<uint32_t>(GetRValue(c.color) << 16 | GetGValue(c.color) << 8 | GetBValue(c.color));
+        int solid = 0;
+        int off = 0;
+        int foreign = 0;
+        for (int i = 0; i < c.width * c.height; ++i)
+        {
+            const uint32_t value = pixels.values[static_cast<size_t>(i)];
+            const double across = i % c.width;
+            const int row = i / c.width;
+            const double up = c.height - 1 - row - across * c.height / c.width;
+            const double distance = std::fabs(up) * c.width / std::hypot(c.width, c.height);
+            solid += value == ink ? 1 : 0;
+            off += value != 0xFFFFFF && distance > 48 ? 1 : 0;
+            for (const uint32_t channel : {0xFFU, 0xFF00U, 0xFF0000U})
+            {
+                foreign += (value & channel) < (ink & channel) ? 1 : 0; // not a mixture of the ink and white
+            }
+        }
+        EXPECT_GT(solid, 150) << c.color;
+        EXPECT_EQ(0, off) << c.color;
+        EXPECT_EQ(0, foreign) << c.color;
+    }
+}
+
+TEST_F(Renderer, ReportsWhatItDrawsAndLeavesAnEvenHeightAndTheAngle)
+{
+    const struct
+    {
+        std::wstring text;
+        LONG before, after;
+        const char* line;
+    } cases[] = {
+        {L"Confidential",
+         -96,
+         -96,
+         "X: 276, Y: 368, angle: 53.130102, isExceed: 0, fontHeight: 48, text: Confidential."},
+        {L"Confidential",
+         -25,
+         -24,
+         "X: 294, Y: 392, angle: 53.130102, isExceed: 0, fontHeight: 12, text: Confidential."},
+        {L"Mine", 97, 96, "X: 276, Y: 368, angle: 53.130102, isExceed: 0, fontHeight: 48, text: Mine."},
+        {std::wstring(128, L'x'), 40, 40, "X: 0, Y: 790, angle: 53.130102, isExceed: 1, fontHeight: 20, text: "},
+    };
+    for (const auto& c : cases)
+    {
+        WatermarkBlock block = Block(c.text, c.before);
+        const BitmapOwner preview(Watermarker::CreateBMPPreview(nullptr, WhitePage(600, 800), block));
+        EXPECT_NE(nullptr, preview);
+        EXPECT_EQ(c.after, block.font.lfHeight);
+        EXPECT_EQ(531, block.font.lfEscapement);
+        EXPECT_EQ(531, block.font.lfOrientation);
+        std::string line = std::string("info ") + kDraw + ", " + c.line;
+        if (c.text.size() > kWatermarkTextChars - 1)
+        {
+            line += std::string(kWatermarkTextChars - 1, 'x') + "."; // it has no terminator
+        }
+        EXPECT_EQ(Messages{line}, log.Take());
+    }
+}
+
+TEST_F(Renderer, MakesNothingWhenNoWatermarkIsWanted)
+{
+    const BitmapOwner page(WhitePage(30, 40));
+    for (const wchar_t* text : {L"", L"No Watermark", L"no watermark", L"NO WATERMARK"})
+    {
+        WatermarkBlock block = Block(text, -25);
+        EXPECT_EQ(nullptr, Watermarker::CreateBMPPreview(nullptr, page.get(), block));
+        EXPECT_TRUE(IsLive(page.get()));
+        EXPECT_EQ(-25, block.font.lfHeight);
+        EXPECT_EQ(Messages{std::string("info ") + kPreview + ", no need to create preview."}, log.Take());
+    }
+}
+
+TEST_F(Renderer, GivesEverythingBackInTheFixedOrder)
+{
+    EXPECT_NE(nullptr, Render(Block(L"Mine")));
+    Calls calls = TakeCalls();
+    calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "TextOutW"));
+    EXPECT_EQ((Calls{"TextOutW",
+                     "DeleteObject", // the font, while selected
+                     "SelectObject",
+                     "BitBlt",
+                     "SelectObject", // what the page replaced, into the other context
+                     "DeleteDC",
+                     "DeleteObject", // the page
+                     "SelectObject",
+                     "DeleteDC",
+                     "ReleaseDC",
+                     "DeleteObject"}), // the test's own
+              calls);
+}
+
+TEST_F(Renderer, SurvivesEachFailingCall)
+{
+    const struct
+    {
+        const char* function;
+        int call;
+        bool hasPicture;
+        std::string error;
+    } cases[] = {{"GetObjectW", 1, false, "failed to get object."},
+                 {"GetDC", 1, false, "failed to get DC."},
+                 {"CreateCompatibleDC", 1, false, "failed to CreateCompatibleDC to get temp DC."},
+                 {"CreateDIBSection", 1, false, "failed to CreateCompatibleDC, 8."},
+                 {"CreateCompatibleDC", 2, true, "failed to CreateCompatibleDC to get BMP DC from tempDC."},
+                 {"CreateFontIndirectW", 1, true, "failed to CreateFontIndirectW."},
+                 {"SetTextColor", 1, true, "failed to call SetTextColor."},
+                 {"SetTextAlign", 1, true, "failed to call SetTextAlign."},
+                 {"SetBkMode", 1, true, "failed to call SetBkMode."},
+                 {"TextOutW", 1, true, "failed to draw text: Mine."},
+                 {"BitBlt", 1, true, "failed to copy data from dcBMP to tempDC."}};
+    for (const auto& c : cases)
+    {
+        SCOPED_TRACE(c.error);
+        WatermarkBlock block = Block(L"Mine", -25);
+        HBITMAP page = WhitePage(168, 224);
+        FailCall(c.function, c.call);
+        const BitmapOwner preview(Watermarker::CreateBMPPreview(nullptr, page, block));
+        FailCall(c.function, 0);
+        EXPECT_EQ(c.hasPicture, preview != nullptr);
+        EXPECT_EQ(c.hasPicture ? 1U : 0U, LiveObjects());
+        const Messages errors = log.TakeErrors();
+        ASSERT_FALSE(errors.empty());
+        EXPECT_TRUE(errors.front().ends_with(", " + c.error)) << errors.front();
+        EXPECT_EQ(errors.front().find(kDraw) != std::string::npos ? 2U : 1U, errors.size());
+        if (c.hasPicture)
+        {
+            EXPECT_EQ(std::vector<uint32_t>(168 * 224), Pixels(preview.get()).values) << "not black";
+        }
+    }
+    WatermarkBlock block = Block(L"Mine");
+    EXPECT_EQ(nullptr, Watermarker::CreateBMPPreview(nullptr, nullptr, block));
+}
+
+TEST_F(Renderer, TakesAnyTextAndAnyFont)
+{
+    const std::wstring texts[] = {std::wstring(127, L'x'),
+                                  std::wstring(128, L'x'),
+                                  L"e\u0301a\u0308\u0323",
+                                  L"\u05E9\u05DC\u05D5\u05DD",
+                                  L"\U0001F600\U00020BB7",
+                                  L"\xD800x\xDC00"};
+    for (const std::wstring& text : texts)
+    {
+        const Pixels pixels(Render(Block(text, -60)).get());
+        EXPECT_NE(static_cast<std::ptrdiff_t>(pixels.values.size()),
+                  std::count(pixels.values.begin(), pixels.values.end(), 0xFFFFFFU));
+    }
+    std::mt19937 random(1);
+    for (int i = 0; i < 300; ++i)
+    {
+        WatermarkBlock block = Block(L"Mine");
+        std::generate_n(reinterpret_cast<BYTE*>(&block.font),
+                        sizeof(block.font),
+                        [&random] { return static_cast<BYTE>(random()); });
+        const LONG height = block.font.lfHeight;
+        const BitmapOwner preview(Watermarker::CreateBMPPreview(nullptr, WhitePage(168, 224), block));
+        EXPECT_NE(nullptr, preview);
+        EXPECT_EQ(height / 2 * 2, block.font.lfHeight);
+    }
+}
+
+} // namespace
+} // namespace tsypr::test
