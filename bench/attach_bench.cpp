@@ -11,7 +11,8 @@ namespace
 {
 
 // The module's host has these in use long before; loading them is not the module's doing.
-constexpr const wchar_t* kSystemLibraries[] = {L"user32.dll", L"gdi32.dll", L"advapi32.dll", L"winspool.drv"};
+constexpr const wchar_t* kSystemLibraries[] = {
+    L"user32.dll", L"gdi32.dll", L"advapi32.dll", L"winspool.drv", L"ole32.dll", L"oleaut32.dll", L"shlwapi.dll"};
 
 void LoadAndFree(const wchar_t* name)
 {

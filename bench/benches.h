@@ -29,6 +29,15 @@ void MeasureQuietLog(Report& report);
 // What the exported functions ask of the service.
 void CheckServiceCalls(Report& report);
 
+// Conversions through the print ticket provider, against the same service calls, loads and saves made directly.
+void MeasurePrintTickets(Report& report);
+
+// Questions to a large capabilities document, against the same calls without anything around them.
+void MeasurePrintSchemaQueries(Report& report);
+
+// What the provider's methods ask of the service.
+void CheckTicketCalls(Report& report);
+
 } // namespace tsypr::bench
 
 #endif

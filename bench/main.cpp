@@ -23,7 +23,10 @@ Report MeasureAll()
     MeasureConvert(report);
     MeasureMerge(report);
     MeasureQuietLog(report);
+    MeasurePrintTickets(report);
+    MeasurePrintSchemaQueries(report);
     CheckServiceCalls(report);
+    CheckTicketCalls(report);
     return report;
 }
 

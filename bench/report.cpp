@@ -32,7 +32,7 @@ void PrintMeasurement(const Measurement& measurement)
                       measurement.goal,
                       measurement.unit.c_str());
     }
-    std::printf("%-44s %9.2f %-2s  %-12s %-5s %s\n",
+    std::printf("%-52s %9.2f %-2s  %-12s %-5s %s\n",
                 measurement.name.c_str(),
                 measurement.value,
                 measurement.unit.c_str(),
@@ -96,10 +96,14 @@ bool Report::CallsMatch() const noexcept
 
 void PrintReport(const Report& report)
 {
-    std::printf("%-44s %12s  %-12s\n", "Speed", "measured", "goal");
+    std::printf("%-52s %12s  %-12s\n", "Speed", "measured", "goal");
     for (const Measurement& measurement : report.measurements)
     {
         PrintMeasurement(measurement);
+    }
+    if (report.checks.empty())
+    {
+        return;
     }
     std::printf("\n%-52s %-69s %s\n", "Service calls of one driver call", "prescribed", "counted");
     for (const CallCheck& check : report.checks)

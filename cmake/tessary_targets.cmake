@@ -9,6 +9,9 @@ target_compile_options(tessary_flags INTERFACE
   -Wall -Wextra -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference
   -Werror)
 
+# Debug builds watch the order in which locks are taken (lib/misc/lock_rank.h).
+target_compile_definitions(tessary_flags INTERFACE $<$<CONFIG:Debug>:TESSARY_LOCK_RANKS>)
+
 if(WIN32)
   target_compile_definitions(tessary_flags INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00 WINVER=0x0A00 NTDDI_VERSION=0x0A000000)

@@ -1,5 +1,6 @@
 #include "module/logging_setup.h"
 
+#include "lib/string/ascii.h"
 #include "lib/unicode/process_code_page.h"
 #include "lib/user/app_data.h"
 #include "lib/user/preferences.h"
@@ -12,7 +13,6 @@
 
 #include <process.h>
 
-#include <cstring>
 #include <string>
 
 namespace tsypr
@@ -51,7 +51,7 @@ std::string ReadLevelName(const char* tag, const std::string& moduleKey)
     {
         return "info";
     }
-    return _stricmp(level.c_str(), "trace") == 0 ? "verbose" : level;
+    return EqualsIgnoringCase(level, "trace") ? "verbose" : level;
 }
 
 // One file per process start. Empty when there is no application data directory: the log then runs without a file.
@@ -77,17 +77,41 @@ std::string GenerateFileName(const char* tag)
     return path;
 }
 
-// The file is read from the per-module key only, while the level may be set for all modules at once.
-std::string ReadFileName(const char* tag, const std::string& moduleKey)
+// The file is read from the per-module key only, while the level may be set for all modules at once. `generated` tells
+// that the name is this process's own.
+std::string ReadFileName(const char* tag, const std::string& moduleKey, bool& generated)
 {
     std::string path;
+    generated = false;
     if (ReadRegistryText(moduleKey.c_str(), "LogFile", path))
     {
         // The registry's narrow texts are in the process's code page, the log's file name in UTF-8.
         std::string utf8;
         return CodeSet_ProcessToUtf8(path, utf8, CodeSetMode::Lenient).Ok() ? utf8 : path;
     }
-    return ReadTaggedPreference("pref.pr.%s.logFile", tag, path) ? path : GenerateFileName(tag);
+    if (ReadTaggedPreference("pref.pr.%s.logFile", tag, path))
+    {
+        return path;
+    }
+    generated = true;
+    return GenerateFileName(tag);
+}
+
+// What the preferences say about rotation and the like, under the names that the settings have.
+void AddPreferences(const char* tag, Dictionary& settings)
+{
+    constexpr const char* kKeys[] = {
+        kLogRotateBytesKey, kLogKeepRotatedKey, kLogKeepFilesKey, kLogThrottleLinesKey, kLogThrottleSecondsKey};
+    for (const char* key : kKeys)
+    {
+        char preference[kNameBuffer];
+        std::string value;
+        FormatFixed(preference, sizeof(preference), "pref.pr.%s.%s", tag, key);
+        if (ReadPreference(preference, value))
+        {
+            settings.Set(key, value);
+        }
+    }
 }
 
 bool StartLog(const char* tag, std::string& level)
@@ -96,11 +120,14 @@ bool StartLog(const char* tag, std::string& level)
     const std::string moduleKey = std::string(kDriverKey) + "\\" + tag;
     level = ReadLevelName(tag, moduleKey);
     settings.Set(kLogFileLevelKey, level);
-    const std::string file = ReadFileName(tag, moduleKey);
+    bool ownFile = false;
+    const std::string file = ReadFileName(tag, moduleKey, ownFile);
     if (!file.empty())
     {
         settings.Set(kLogFileNameKey, file);
+        settings.Set(kLogOwnFileKey, ownFile ? "1" : "0");
     }
+    AddPreferences(tag, settings);
     return LogStart(tag, settings);
 }
 

@@ -40,6 +40,11 @@ ComPtr<IXMLDOMNode> PTParser::GetFeatureRootNode(IXMLDOMDocument2* xmlDoc,
                                                  const wchar_t* rootElement,
                                                  FeatureNames featureNames)
 {
+    if (xmlDoc == nullptr)
+    {
+        LogError("%s, xmlDoc is null\n", kFunction);
+        return nullptr;
+    }
     const ComPtr<IXMLDOMElement> root = FirstElement(xmlDoc, rootElement);
     if (root == nullptr)
     {

@@ -7,6 +7,8 @@
 #include "ptprovider/xml_memory.h"
 #include "remote/devmode_dump.h"
 
+#include <optional>
+
 namespace tsypr
 {
 namespace
@@ -14,20 +16,27 @@ namespace
 
 constexpr char kFunction[] = "GetPrintCapsXmlDoc";
 
-// Puts the driver's own options into the client's ticket and gives the text of it.
-bool CompleteTicket(const RemoteQuery& reply, const DEVMODEW* devMode, XmlText& text)
+// The ticket that goes with a device mode, and what it came in; empty when the client gives none.
+struct TicketOfDevMode
 {
-    ComPtr<IXMLDOMDocument2> ticket;
-    if (Mem2IXML(ticket.GetAddressOf(), reply.Data(), reply.Size()) != S_OK)
+    ComPtr<IXMLDOMDocument2> document;
+    std::optional<RemoteQuery> reply;
+    XmlText text;
+};
+
+// Puts the driver's own options into the client's ticket and takes the text of it.
+bool CompleteTicket(const DEVMODEW* devMode, TicketOfDevMode& ticket)
+{
+    if (Mem2IXML(ticket.document.GetAddressOf(), ticket.reply->Data(), ticket.reply->Size()) != S_OK)
     {
         LogError("%s, failed to call Mem2IXML.\n", kFunction);
         return false;
     }
     if (const PrivateDevMode* block = GetPrivateDevMode(devMode))
     {
-        WriteOptions(ticket.Get(), OptionsOf(*block));
+        WriteOptions(ticket.document.Get(), OptionsOf(*block));
     }
-    if (text.Take(ticket.Get()) != S_OK)
+    if (ticket.text.Take(ticket.document.Get()) != S_OK)
     {
         LogError("%s, failed to call IXML2Mem.\n", kFunction);
         return false;
@@ -35,14 +44,13 @@ bool CompleteTicket(const RemoteQuery& reply, const DEVMODEW* devMode, XmlText& 
     return true;
 }
 
-// The ticket that goes with a device mode; empty when the client gives none.
-bool TicketOf(const RemotePrinter& printer, const DEVMODEW* devMode, XmlText& text)
+bool AskForTicket(const RemotePrinter& printer, const DEVMODEW* devMode, TicketOfDevMode& ticket)
 {
     // The dump ends the keyword texts in the device mode itself, for whoever reads it next.
     PrintUtils::DumpDevMode(const_cast<DEVMODEW*>(devMode), L"GetPrintCapabilities, dm:");
     const auto size = static_cast<uint32_t>(DevModeTotalSize(devMode));
-    const RemoteQuery reply(printer, QueryKind::DM2PT, devMode, size, kFunction);
-    return !reply.HasData() || CompleteTicket(reply, devMode, text);
+    ticket.reply.emplace(printer, QueryKind::DM2PT, devMode, size, kFunction);
+    return !ticket.reply->HasData() || CompleteTicket(devMode, ticket);
 }
 
 bool LoadCapabilities(const RemoteQuery& reply, IXMLDOMDocument2** capabilities)
@@ -69,12 +77,12 @@ bool AskForCapabilities(const wchar_t* printerName, const DEVMODEW* devMode, IXM
         LogError("%s, failed to open remote printer [%S].\n", kFunction, printerName);
         return false;
     }
-    XmlText ticket;
-    if (devMode != nullptr && !TicketOf(printer, devMode, ticket))
+    TicketOfDevMode ticket; // everything is given back at the end
+    if (devMode != nullptr && !AskForTicket(printer, devMode, ticket))
     {
         return false;
     }
-    const RemoteQuery reply(printer, QueryKind::PT2PC, ticket.Data(), ticket.Size(), kFunction);
+    const RemoteQuery reply(printer, QueryKind::PT2PC, ticket.text.Data(), ticket.text.Size(), kFunction);
     return !reply.HasData() || LoadCapabilities(reply, capabilities);
 }
 

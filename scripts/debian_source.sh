@@ -1,14 +1,13 @@
 # shellcheck shell=bash
 # Source packages of the Debian release that this machine runs, for libraries that are built for Windows. Source it after
-# lib.sh. Lists and settings stay below the work folder: the machine's own are not touched.
+# lib.sh. Lists and settings stay below build/debian-sources: the machine's own are not touched.
+debian_sources=${build:?source lib.sh first}/debian-sources
 
-# apt with everything it writes below WORK/apt. The word for the sandbox keeps root from becoming a user who may not look
-# into the folder.
+# apt with everything it writes below that folder. The word for the sandbox keeps root from becoming a user who may not
+# look into the folder.
 private_apt() {
-  local work=$1
-  shift
-  apt-get -q -o Dir::Etc::sourcelist="$work/apt/sources.list" -o Dir::Etc::sourceparts=- \
-    -o Dir::State::lists="$work/apt/lists" -o Dir::Cache="$work/apt/cache" -o APT::Sandbox::User=root \
+  apt-get -q -o Dir::Etc::sourcelist="$debian_sources/sources.list" -o Dir::Etc::sourceparts=- \
+    -o Dir::State::lists="$debian_sources/lists" -o Dir::Cache="$debian_sources/cache" -o APT::Sandbox::User=root \
     -o Acquire::Languages=none -o Acquire::Retries=3 "$@"
 }
 
@@ -27,10 +26,10 @@ list_sources() {
 fetch_source() {
   local work=$1 package=$2 version=$3 codename
   codename=$(. /etc/os-release && echo "$VERSION_CODENAME")
-  mkdir -p "$work"/apt/{lists,cache/archives}/partial "$work/source"
-  list_sources >"$work/apt/sources.list"
-  private_apt "$work" update
+  mkdir -p "$debian_sources"/{lists,cache/archives}/partial "$work/source"
+  list_sources >"$debian_sources/sources.list"
+  private_apt update
   cd -- "$work/source" || return
-  private_apt "$work" source --only-source "$package" || private_apt "$work" source --only-source "$package/$codename"
+  private_apt source --only-source "$package" || private_apt source --only-source "$package/$codename"
   mv -- "$package-$version"*/ unpacked || die "no source package $package $version; the mirrors offer: $(echo "$package"-*)"
 }

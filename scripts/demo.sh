@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Shows the driver module at work, from nothing: builds it, imports a real printer, installs driver and printers in a
-# new Wine prefix, and asks Windows' printing functions about them.
+# new Wine prefix, asks Windows' printing functions about them, and converts print tickets.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 [ $# -eq 0 ] || die "takes no arguments"
@@ -32,7 +32,7 @@ bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_
 heading "The printers"
 # The imported printer, and the same one with an administrator's lock on two-sided printing.
 mapfile -t names < <(python3 scripts/demo_printers.py "$build/native-tests/printers" "$build/demo/printers")
-printer=${names[0]} locked=${names[1]} unlike_duplex=${names[2]} unlike_paper=${names[3]}
+printer=${names[0]} locked=${names[1]} unlike_duplex=${names[2]} unlike_paper=${names[3]} media=${names[4]}
 echo "\"$printer\" is a real printer, imported from the description that its maker publishes."
 echo "\"$locked\" is the same printer with two-sided printing locked."
 
@@ -59,12 +59,28 @@ heading "An application's settings, merged while two-sided printing is locked"
 request=(--set "duplex=$unlike_duplex" --set "paper=$unlike_paper" --set copies=3)
 show_printctl devmode "$locked" "${request[@]}"
 merged=$(printctl devmode "$locked" "${request[@]}" --json)
-
-heading "What the module wrote to its log meanwhile"
-# One log for each process; their names sort by time.
+# One log for each process; their names sort by time, so the last one is this process's.
 log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 log=${log_files[-1]}
 [ -f "$log" ] || die "the module left no log in the prefix"
+
+heading "Settings as a print ticket"
+# What print ticket services ask of the module, asked of it directly: its class object, bound to the printer.
+job="build/demo"
+show_printctl devmode "$printer" --set pagesPerSheet=4 --set nupLayout=psk:RightBottom --set staple=psk:StapleTopLeft \
+  --set punch=psk:LeftEdge --set "mediatype=$media" --out "$job/settings.bin" | sed -n 1p
+show_printctl ticket from-devmode "$printer" --in "$job/settings.bin"
+printctl ticket from-devmode "$printer" --in "$job/settings.bin" --out "$job/job.xml" >/dev/null
+
+heading "The ticket as settings again"
+show_printctl ticket to-devmode "$printer" "$job/job.xml"
+
+heading "A ticket that asks for what the printer lacks"
+echo "The same ticket, but with a staple at the bottom right, where this printer has no stapler."
+sed 's/psk:StapleTopLeft/psk:StapleBottomRight/g' "$job/job.xml" >"$job/lacking.xml"
+show_printctl ticket validate "$printer" "$job/lacking.xml" | sed -n '/^>/p; /^Conflicts were/,$p; /^No conflict/,$p'
+
+heading "What the module wrote to its log during that merge"
 echo "C:\\ProgramData\\Zelmora\\Tessary\\logs\\${log##*/} begins:"
 echo
 head -n 8 "$log"
@@ -74,4 +90,5 @@ echo
 grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyDM" "$log" | sed -n '/dmIn:/,$p'
 
 heading "What was seen"
+log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"

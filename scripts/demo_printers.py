@@ -2,8 +2,9 @@
 """The two printers of scripts/demo.sh.
 
 demo_printers.py IMPORTED-FOLDER DEMO-FOLDER
-    Copies the imported printer profile, and a second copy with two-sided printing locked. Prints four lines: the two
-    printer names, then a duplex mode and a paper number that the printer has and that are not its default.
+    Copies the imported printer profile, and a second copy with two-sided printing locked. Prints five lines: the two
+    printer names, then a duplex mode, a paper number and a media type that the printer has and that are not its
+    defaults.
 demo_printers.py --verdict PRINTER DUPLEX PAPER LOGS  (standard input: what "printctl devmode --json" printed)
     Says in words what the merge did; fails unless the lock held and everything else was taken over.
 """
@@ -26,13 +27,15 @@ def prepare(imported, demo):
     duplex = [mode for mode in profile["duplex"] if mode != defaults.get("duplex", "simplex")]
     papers = [paper["id"] for paper in profile["papers"] if paper["id"] != defaults["paper"]]
 
+    media = [kind["id"] for kind in profile["mediaTypes"] if kind["id"] != defaults.get("mediaType")]
+
     shutil.rmtree(demo, ignore_errors=True)
     demo.mkdir(parents=True)
     (demo / "printer.json").write_text(json.dumps(profile, indent=2), encoding="utf-8")
     profile["name"] = f"{name} (duplex locked)"
     profile.setdefault("private", {})["locked"] = ["duplex"]
     (demo / "locked.json").write_text(json.dumps(profile, indent=2), encoding="utf-8")
-    print(name, profile["name"], duplex[-1], 9 if 9 in papers else papers[0], sep="\n")
+    print(name, profile["name"], duplex[-1], 9 if 9 in papers else papers[0], media[0], sep="\n")
 
 
 def verdict(printer, duplex, paper, logs):

@@ -87,3 +87,13 @@ repair_documents() {
     'HKLM\Software\Classes\CLSID\{88D96A05-F192-11D4-A65F-0040963251E5}\InprocServer32' \
     /ve /d "Z:${dll//\//\\}" /f </dev/null >/dev/null
 }
+
+# use_own_compstui PREFIX-DIRECTORY [COMPSTUI.DLL]: from here on the prefix's programs, and Windows' printing functions in
+# them, show property sheets through our compstui.dll of the test and demo environment. The default is the release build's.
+use_own_compstui() {
+  local prefix=$1 dll=${2:-$build/mingw-release/bin/environment/compstui.dll}
+  local installed="$prefix/drive_c/windows/system32/compstui.dll"
+  # A program that runs keeps the file that it has.
+  cp -- "$dll" "$installed.new" && mv -f -- "$installed.new" "$installed" &&
+    TESSARY_PREFIX=$prefix scripts/wine-run.sh reg add 'HKCU\Software\Wine\DllOverrides' /v compstui /d native /f
+}

@@ -33,6 +33,8 @@ run_tests() {
   report=$results/programs
   # Windows programs take a path to be absolute only when it has a drive; Z: is the root of the file system.
   case $preset in mingw-*) report=Z:$report ;; esac
+  # Where processes start and die quickly, they are killed more often.
+  case $preset in native-*) export TESSARY_KILLS=200 ;; *) unset TESSARY_KILLS ;; esac
   ctest --preset "$preset" "${filter[@]}" --show-only=json-v1 >"$results/listing.json" || return 1
   GTEST_OUTPUT="json:$report/" ctest --preset "$preset" "${filter[@]}" --output-junit "$results/ctest.xml"
 }

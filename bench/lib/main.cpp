@@ -21,6 +21,8 @@ struct Bench
 };
 
 constexpr Bench kBenches[] = {
+    {"format", MeasureFormatter},
+    {"lock", MeasureLocks},
     {"log", MeasureLogLines},
     {"codeset", MeasureCodeSets},
 };

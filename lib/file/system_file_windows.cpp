@@ -36,7 +36,8 @@ DWORD AccessRights(Access access) noexcept
     case Access::Write:
         return GENERIC_WRITE;
     case Access::Append:
-        return FILE_APPEND_DATA | SYNCHRONIZE; // without FILE_WRITE_DATA every write goes to the end
+        // Without FILE_WRITE_DATA every write goes to the end; locking takes the right to read.
+        return FILE_APPEND_DATA | FILE_READ_DATA | SYNCHRONIZE;
     case Access::ReadWrite:
         break;
     }

@@ -1,12 +1,14 @@
 #include "lib/log/log.h"
 
-#include "lib/file/append_file.h"
+#include "lib/log/line_throttle.h"
 #include "lib/log/log_line.h"
+#include "lib/log/log_output.h"
+#include "lib/misc/clock.h"
 #include "lib/misc/exclusive_lock.h"
 
 #include <cctype>
-#include <iterator>
-#include <string_view>
+#include <memory>
+#include <utility>
 
 namespace tsypr
 {
@@ -19,13 +21,13 @@ constinit std::atomic<int> logLevel{-1};
 namespace
 {
 
-constexpr std::string_view kLevelNames[] = {
-    "audit", "panic", "error", "warning", "notice", "info", "verbose", "trivia", "debug", "debug1"};
+constexpr int kLogRank = 1000; // a message may be written whatever else is held
 
 struct LogState
 {
-    ExclusiveLock lock;
-    AppendFile file;
+    ExclusiveLock lock{"log", kLogRank};
+    LineThrottle throttle;
+    LogOutput* output = nullptr; // null without a file
     std::atomic<bool> lastThread{false};
 };
 
@@ -53,6 +55,18 @@ public:
     LogGuard(const LogGuard&) = delete;
     LogGuard& operator=(const LogGuard&) = delete;
 
+    // False for the last thread: memory, files and locks other than the open file are taboo.
+    bool IsHeld() const noexcept
+    {
+        return m_held;
+    }
+
+    // Whether no thread has been stopped in the midst of a change.
+    bool StateIsWhole() const noexcept
+    {
+        return m_held || !g_log.lock.IsHeld();
+    }
+
 private:
     const bool m_held;
 };
@@ -70,15 +84,102 @@ bool EqualsIgnoringCase(std::string_view name, const char* text) noexcept
     return *text == '\0';
 }
 
+void Output(const LogGuard& guard, std::string_view line, int64_t now) noexcept
+{
+    if (g_log.output == nullptr)
+    {
+        return;
+    }
+    if (guard.IsHeld())
+    {
+        g_log.output->Write(line, now);
+    }
+    else
+    {
+        g_log.output->WriteBare(line);
+    }
+}
+
+// In place of the lines that were held back.
+void OutputRepeated(const LogGuard& guard, const RepeatedLine& repeated, int64_t now) noexcept
+{
+    TextBuffer line;
+    AppendLinePrefix(line, repeated.level, now);
+    AppendFormat(line, "message repeated %u times in %u s: ", repeated.times, g_log.throttle.Seconds());
+    line.Append(repeated.text);
+    line.Append("\n");
+    Output(guard, line.View(), now);
+}
+
+void OutputAllRepeated(const LogGuard& guard) noexcept
+{
+    const int64_t now = UtcNowMilliseconds();
+    RepeatedLine repeated;
+    while (g_log.throttle.TakeAny(repeated))
+    {
+        OutputRepeated(guard, repeated, now);
+    }
+}
+
+// Whether the line is to be written. Writes what the others have left to tell.
+bool Admit(const LogGuard& guard, const LineKey& key, std::string_view message, int64_t now) noexcept
+{
+    if (!guard.StateIsWhole())
+    {
+        return true;
+    }
+    RepeatedLine repeated;
+    while (g_log.throttle.TakeDue(now, repeated))
+    {
+        OutputRepeated(guard, repeated, now);
+    }
+    RepeatedLine displaced;
+    const bool admitted = g_log.throttle.Admit(key, message, now, displaced);
+    if (displaced.times != 0)
+    {
+        OutputRepeated(guard, displaced, now);
+    }
+    return admitted;
+}
+
+// Every line ends with a line break, also one that memory did not suffice for.
+void EndLine(TextBuffer& line) noexcept
+{
+    if (line.Cut())
+    {
+        line.Truncate(line.View().size() - 1);
+    }
+    if (line.View().back() != '\n')
+    {
+        line.Append("\n");
+    }
+}
+
+LogOutput* MakeOutput(const char* tag, const LogSettings& settings) noexcept
+{
+    if (settings.file == nullptr || *settings.file == '\0')
+    {
+        return nullptr;
+    }
+    try
+    {
+        return std::make_unique<LogOutput>(tag, settings).release();
+    }
+    catch (...)
+    {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 int LogLevelFromName(const char* name) noexcept
 {
-    for (size_t level = 0; name != nullptr && level < std::size(kLevelNames); ++level)
+    for (int level = kLogAudit; name != nullptr && level <= kLogDebug1; ++level)
     {
-        if (EqualsIgnoringCase(kLevelNames[level], name))
+        if (EqualsIgnoringCase(LogLevelName(level), name))
         {
-            return static_cast<int>(level);
+            return level;
         }
     }
     return -1;
@@ -91,13 +192,14 @@ bool LogStart(const char* tag, const Dictionary& settings) noexcept
         return false;
     }
     const LogGuard guard;
-    if (detail::logLevel.load(std::memory_order_relaxed) >= 0)
+    if (detail::logLevel.load(std::memory_order_relaxed) >= 0 || !guard.IsHeld())
     {
         return false;
     }
-    const int level = LogLevelFromName(settings.Get(kLogFileLevelKey));
-    g_log.file.Open(settings.Get(kLogFileNameKey));
-    detail::logLevel.store(level < 0 ? kLogInfo : level, std::memory_order_relaxed);
+    const LogSettings chosen = ReadLogSettings(settings);
+    g_log.throttle.Start(chosen.throttleLines, chosen.throttleSeconds);
+    g_log.output = MakeOutput(tag, chosen);
+    detail::logLevel.store(chosen.level, std::memory_order_relaxed);
     return true;
 }
 
@@ -105,7 +207,31 @@ void LogStop() noexcept
 {
     const LogGuard guard;
     detail::logLevel.store(-1, std::memory_order_relaxed);
-    g_log.file.Close();
+    if (g_log.output == nullptr || !guard.StateIsWhole())
+    {
+        return;
+    }
+    OutputAllRepeated(guard);
+    if (guard.IsHeld()) // else the system closes the file
+    {
+        const std::unique_ptr<LogOutput> output(std::exchange(g_log.output, nullptr));
+        output->Close(UtcNowMilliseconds());
+    }
+}
+
+bool LogSetLevel(int level) noexcept
+{
+    const LogGuard guard;
+    if (level < kLogAudit || level > kLogDebug1 || detail::logLevel.load(std::memory_order_relaxed) < 0)
+    {
+        return false;
+    }
+    if (guard.StateIsWhole())
+    {
+        OutputAllRepeated(guard);
+    }
+    detail::logLevel.store(level, std::memory_order_relaxed);
+    return true;
 }
 
 void LogPrepareForProcessEnd() noexcept
@@ -119,15 +245,19 @@ void LogWriteV(int level, const char* format, va_list arguments) noexcept
     {
         return;
     }
+    const int64_t now = UtcNowMilliseconds();
     TextBuffer line;
-    AppendLinePrefix(line, kLevelNames[level]);
+    AppendLinePrefix(line, level, now);
+    const size_t prefix = line.View().size();
     FormatTo(line, format, arguments);
-    if (line.View().back() != '\n')
-    {
-        line.Append("\n");
-    }
+    EndLine(line);
+    const std::string_view message = line.View().substr(prefix);
+    const LineKey key = {format, level, message.size(), HashText(message)};
     const LogGuard guard;
-    g_log.file.Append(line.View().data(), line.View().size());
+    if (Admit(guard, key, message, now))
+    {
+        Output(guard, line.View(), now);
+    }
 }
 
 void LogWrite(int level, const char* format, ...) noexcept

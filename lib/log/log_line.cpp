@@ -4,6 +4,7 @@
 #include "lib/misc/process.h"
 
 #include <charconv>
+#include <cstring>
 #include <iterator>
 
 namespace tsypr
@@ -11,55 +12,64 @@ namespace tsypr
 namespace
 {
 
-// Writes `digits` decimal digits of `value` and returns the place behind them.
-char* WriteDigits(char* place, int value, int digits) noexcept
+constexpr std::string_view kLevelNames[] = {
+    "audit", "panic", "error", "warning", "notice", "info", "verbose", "trivia", "debug", "debug1"};
+
+// Writes `digits` decimal digits of `value` and the separator, and returns the place behind them.
+template <int digits>
+char* Write(char* place, int value, char separator) noexcept
 {
     for (int i = digits - 1; i >= 0; --i)
     {
         place[i] = static_cast<char>('0' + value % 10);
         value /= 10;
     }
-    return place + digits;
+    place[digits] = separator;
+    return place + digits + 1;
 }
 
-void AppendNumber(TextBuffer& line, char separator, uint32_t number) noexcept
+char* WriteTime(char* place, int64_t moment) noexcept
 {
-    char digits[12] = {separator};
-    const char* end = std::to_chars(digits + 1, std::end(digits), number).ptr;
-    line.Append(digits, static_cast<size_t>(end - digits));
+    const UtcTime time = ToUtcTime(moment);
+    place = Write<4>(place, time.year, '-');
+    place = Write<2>(place, time.month, '-');
+    place = Write<2>(place, time.day, ' ');
+    place = Write<2>(place, time.hour, ':');
+    place = Write<2>(place, time.minute, ':');
+    place = Write<2>(place, time.second, '.');
+    return Write<3>(place, time.millisecond, 'Z');
 }
 
 } // namespace
 
-void AppendLinePrefix(TextBuffer& line, std::string_view levelName) noexcept
+std::string_view LogLevelName(int level) noexcept
 {
-    const UtcTime now = ToUtcTime(UtcNowMilliseconds());
-    struct Piece
-    {
-        int value;
-        int digits;
-        char separator;
-    };
-    const Piece pieces[] = {{now.year, 4, '-'},
-                            {now.month, 2, '-'},
-                            {now.day, 2, ' '},
-                            {now.hour, 2, ':'},
-                            {now.minute, 2, ':'},
-                            {now.second, 2, '.'},
-                            {now.millisecond, 3, 'Z'}};
-    char time[32];
-    char* place = time;
-    for (const Piece& piece : pieces)
-    {
-        place = WriteDigits(place, piece.value, piece.digits);
-        *place++ = piece.separator;
-    }
-    line.Append(time, static_cast<size_t>(place - time));
-    line.Append(" ");
-    line.Append(levelName);
-    AppendNumber(line, ' ', CurrentProcessId());
-    AppendNumber(line, ':', CurrentThreadId());
-    line.Append(" ");
+    return kLevelNames[static_cast<size_t>(level) % std::size(kLevelNames)];
+}
+
+void AppendLinePrefix(TextBuffer& line, int level, int64_t now) noexcept
+{
+    constexpr size_t kMostDigits = 10;
+    char prefix[80]; // all of it has at most 55 characters
+    char* place = WriteTime(prefix, now);
+    *place++ = ' ';
+    const std::string_view name = LogLevelName(level);
+    std::memcpy(place, name.data(), name.size());
+    place += name.size();
+    *place++ = ' ';
+    place = std::to_chars(place, place + kMostDigits, CurrentProcessId()).ptr;
+    *place++ = ':';
+    place = std::to_chars(place, place + kMostDigits, CurrentThreadId()).ptr;
+    *place++ = ' ';
+    line.Append(prefix, static_cast<size_t>(place - prefix));
+}
+
+void AppendFormat(TextBuffer& line, const char* format, ...) noexcept
+{
+    va_list arguments;
+    va_start(arguments, format);
+    FormatTo(line, format, arguments);
+    va_end(arguments);
 }
 
 } // namespace tsypr

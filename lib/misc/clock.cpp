@@ -1,28 +1,10 @@
 #include "lib/misc/clock.h"
 
 #include <chrono>
-
-#ifdef _WIN32
-#include <windows.h>
-#endif
+#include <limits>
 
 namespace tsypr
 {
-
-int64_t UtcNowMilliseconds() noexcept
-{
-#ifdef _WIN32
-    constexpr int64_t kTicksPerMillisecond = 10'000;
-    constexpr int64_t kTicksTo1970 = 116'444'736'000'000'000;
-    FILETIME now;
-    GetSystemTimePreciseAsFileTime(&now);
-    const auto ticks = (static_cast<uint64_t>(now.dwHighDateTime) << 32) | now.dwLowDateTime;
-    return (static_cast<int64_t>(ticks) - kTicksTo1970) / kTicksPerMillisecond;
-#else
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-#endif
-}
 
 UtcTime ToUtcTime(int64_t millisecondsSince1970) noexcept
 {
@@ -38,6 +20,26 @@ UtcTime ToUtcTime(int64_t millisecondsSince1970) noexcept
             static_cast<int>(time.minutes().count()),
             static_cast<int>(time.seconds().count()),
             static_cast<int>(time.subseconds().count())};
+}
+
+Deadline::Deadline(int64_t microseconds) noexcept
+{
+    if (microseconds >= 0)
+    {
+        const int64_t now = MonotonicMicroseconds();
+        m_end = microseconds < std::numeric_limits<int64_t>::max() - now ? now + microseconds
+                                                                         : std::numeric_limits<int64_t>::max();
+    }
+}
+
+int64_t Deadline::RemainingMicroseconds() const noexcept
+{
+    if (m_end < 0)
+    {
+        return -1;
+    }
+    const int64_t remaining = m_end - MonotonicMicroseconds();
+    return remaining < 0 ? 0 : remaining;
 }
 
 } // namespace tsypr

@@ -10,6 +10,9 @@ namespace tsypr
 uint32_t CurrentProcessId() noexcept;
 uint32_t CurrentThreadId() noexcept;
 
+// A number other than 0 that no other thread of this process has while this one lives; cheaper than the thread's id.
+uintptr_t CurrentThreadToken() noexcept;
+
 } // namespace tsypr
 
 #endif

@@ -77,9 +77,20 @@ void TextBuffer::Append(const char* text, size_t length) noexcept
     }
 }
 
+const char* TextBuffer::AppendRestUntil(const char* text, char stop) noexcept
+{
+    size_t length = 0;
+    while (text[length] != '\0' && text[length] != stop)
+    {
+        ++length;
+    }
+    Append(text, length);
+    return text + length;
+}
+
 void TextBuffer::AppendFill(char filler, size_t count) noexcept
 {
-    if (m_cut)
+    if (m_cut || count == 0)
     {
         return;
     }

@@ -27,6 +27,29 @@ public:
     {
         Append(text.data(), text.size());
     }
+    void Append(char c) noexcept
+    {
+        if (m_cut || m_size == m_capacity)
+        {
+            Append(&c, 1);
+            return;
+        }
+        m_data[m_size++] = c;
+    }
+
+    // Appends the text up to its terminator or the first `stop`, and returns where that is. Short texts, as formats are
+    // made of, are copied faster than they could first be measured.
+    const char* AppendUntil(const char* text, char stop) noexcept
+    {
+        char* to = m_data + m_size;
+        const char* const end = m_cut ? to : m_data + m_capacity;
+        while (to != end && *text != '\0' && *text != stop)
+        {
+            *to++ = *text++;
+        }
+        m_size = static_cast<size_t>(to - m_data);
+        return *text == '\0' || *text == stop ? text : AppendRestUntil(text, stop);
+    }
     void AppendFill(char filler, size_t count) noexcept;
 
     std::string_view View() const noexcept
@@ -42,6 +65,7 @@ public:
     void Truncate(size_t size) noexcept;
 
 private:
+    const char* AppendRestUntil(const char* text, char stop) noexcept;
     char* Moved(size_t capacity) const noexcept;
     size_t MakeRoom(size_t wanted) noexcept;
     bool OnHeap() const noexcept

@@ -1,5 +1,6 @@
 #include "lib/user/app_data.h"
 
+#include "lib/file/operations.h"
 #include "lib/unicode/codeset.h"
 
 #include <windows.h>
@@ -11,30 +12,34 @@ namespace
 
 constexpr wchar_t kProductKey[] = L"Software\\Zelmora\\Tessary";
 constexpr wchar_t kAppDataValue[] = L"AppDataPath";
+constexpr wchar_t kProfileListKey[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
 constexpr wchar_t kProductFolder[] = L"\\Zelmora\\Tessary";
 
-// Registry texts of any length, without their terminator.
-bool ReadAppDataPath(std::wstring& path)
+// A registry text without its terminator, variables in it replaced; false when there is none or it is longer than any
+// path.
+bool ReadRegistryText(const wchar_t* subkey, const wchar_t* name, std::wstring& text)
 {
+    constexpr size_t kMostUnits = 32768;
     LSTATUS status = ERROR_MORE_DATA;
-    DWORD bytes = MAX_PATH * sizeof(wchar_t); // for nearly every path, so that one question does
-    while (status == ERROR_MORE_DATA)
+    // The first room does for nearly every path. What the system asks for may leave out the replaced variables.
+    for (size_t units = MAX_PATH; status == ERROR_MORE_DATA && units <= kMostUnits; units *= 2)
     {
-        path.resize(bytes / sizeof(wchar_t) + 1);
-        bytes = static_cast<DWORD>(path.size() * sizeof(wchar_t));
-        status =
-            RegGetValueW(HKEY_LOCAL_MACHINE, kProductKey, kAppDataValue, RRF_RT_REG_SZ, nullptr, path.data(), &bytes);
+        text.resize(units);
+        auto bytes = static_cast<DWORD>(units * sizeof(wchar_t));
+        status = RegGetValueW(
+            HKEY_LOCAL_MACHINE, subkey, name, RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY, nullptr, text.data(), &bytes);
     }
-    if (status != ERROR_SUCCESS)
-    {
-        return false;
-    }
-    path.resize(wcsnlen(path.data(), path.size()));
-    while (!path.empty() && path.back() == L'\\')
+    text.resize(status == ERROR_SUCCESS ? wcsnlen(text.data(), text.size()) : 0);
+    return !text.empty();
+}
+
+// Without separators at the end, except of a root: "D:" alone would be the current directory there.
+void DropLastSeparators(std::wstring& path)
+{
+    while (path.size() > 1 && path.back() == L'\\' && !path.ends_with(L":\\"))
     {
         path.pop_back();
     }
-    return !path.empty();
 }
 
 bool ReadEnvironment(const wchar_t* name, std::wstring& value)
@@ -49,19 +54,34 @@ bool ReadEnvironment(const wchar_t* name, std::wstring& value)
     return true;
 }
 
-// The environment tells the folder without loading the shell, which must not happen while a library is attached.
-bool ProductFolderBelow(const wchar_t* variable, std::wstring& path)
+void AppendProductFolder(std::wstring& path)
 {
-    if (!ReadEnvironment(variable, path))
+    while (path.ends_with(L'\\'))
+    {
+        path.pop_back();
+    }
+    path += kProductFolder;
+}
+
+// The environment tells the folder without loading the shell, which must not happen while a library is attached. Where
+// a host starts us without an environment, the registry knows it.
+bool ReadCommonFolder(std::wstring& path)
+{
+    if (!ReadEnvironment(L"ProgramData", path) && !ReadRegistryText(kProfileListKey, L"ProgramData", path))
     {
         return false;
     }
-    path += kProductFolder;
+    AppendProductFolder(path);
     return true;
 }
 
-bool IsDirectory(const std::wstring& path) noexcept
+bool IsDirectory(const std::wstring& path, const std::string& utf8) noexcept
 {
+    if (path.size() >= MAX_PATH)
+    {
+        FileStatus status;
+        return GetFileStatus(utf8.c_str(), status).Ok() && status.kind == FileKind::Directory;
+    }
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
@@ -74,14 +94,19 @@ bool W32Util_GetTessaryCommonAppDataFilePath(const char* relative, std::string& 
     try
     {
         std::wstring directory;
-        if ((!ReadAppDataPath(directory) && !ProductFolderBelow(L"ProgramData", directory)) ||
-            !IsDirectory(directory) || !CodeSet_Utf16ToUtf8(directory, path))
+        if (!ReadRegistryText(kProductKey, kAppDataValue, directory) && !ReadCommonFolder(directory))
         {
+            return false;
+        }
+        DropLastSeparators(directory);
+        if (!CodeSet_Utf16ToUtf8(directory, path) || !IsDirectory(directory, path))
+        {
+            path.clear();
             return false;
         }
         if (relative != nullptr && *relative != '\0')
         {
-            path.append("\\").append(relative);
+            path.append(path.ends_with('\\') ? "" : "\\").append(relative);
         }
         return true;
     }
@@ -98,7 +123,12 @@ bool GetUserAppDataDirectory(std::string& path) noexcept
     try
     {
         std::wstring directory;
-        return ProductFolderBelow(L"APPDATA", directory) && CodeSet_Utf16ToUtf8(directory, path);
+        if (!ReadEnvironment(L"APPDATA", directory))
+        {
+            return false;
+        }
+        AppendProductFolder(directory);
+        return CodeSet_Utf16ToUtf8(directory, path);
     }
     catch (...)
     {

@@ -1,11 +1,13 @@
 #include "lib/user/preferences.h"
 
-#include "lib/file/read_file.h"
+#include "lib/file/operations.h"
 #include "lib/misc/exclusive_lock.h"
+#include "lib/string/dictionary_file.h"
 #include "lib/user/app_data.h"
 
-#include <algorithm>
 #include <memory>
+#include <new>
+#include <utility>
 
 namespace tsypr
 {
@@ -13,136 +15,104 @@ namespace
 {
 
 constexpr char kFileName[] = "preferences.conf";
-constexpr size_t kMaxFileBytes = 1024 * 1024;
+
+constexpr int kStoreRank = 20; // files are read under it
 
 struct Store
 {
-    ExclusiveLock lock;
+    ExclusiveLock lock{"preferences", kStoreRank};
     bool started = false;
     Dictionary* values = nullptr; // null until the first question
 };
 
 constinit Store g_store;
 
-class StoreGuard
-{
-public:
-    StoreGuard() noexcept
-    {
-        g_store.lock.Acquire();
-    }
-    ~StoreGuard()
-    {
-        g_store.lock.Release();
-    }
-    StoreGuard(const StoreGuard&) = delete;
-    StoreGuard& operator=(const StoreGuard&) = delete;
-};
+using StoreGuard = ScopedLock<ExclusiveLock>;
 
-std::string_view Trim(std::string_view text) noexcept
+FileResult Failure(FileError error) noexcept
 {
-    const size_t first = text.find_first_not_of(" \t\r");
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+    FileResult result;
+    result.error = error;
+    return result;
 }
 
-// Takes the quoted value apart; false when it does not end with a quote of its own.
-bool Unquote(std::string_view quoted, std::string& value)
+void Forget() noexcept
 {
-    if (quoted.size() < 2 || quoted.front() != '"')
-    {
-        return false;
-    }
-    size_t i = 1;
-    for (; i < quoted.size() && quoted[i] != '"'; ++i)
-    {
-        const bool escape =
-            quoted[i] == '\\' && i + 1 < quoted.size() && (quoted[i + 1] == '"' || quoted[i + 1] == '\\');
-        i += escape ? 1 : 0;
-        value.push_back(quoted[i]);
-    }
-    return i + 1 == quoted.size();
+    delete g_store.values;
+    g_store.values = nullptr;
 }
 
-bool ParseLine(std::string_view line, Dictionary& out)
-{
-    if (line.empty() || line.front() == '#')
-    {
-        return true;
-    }
-    const size_t equals = line.find('=');
-    const std::string_view key = Trim(line.substr(0, equals));
-    std::string value;
-    return equals != std::string_view::npos && !key.empty() && Unquote(Trim(line.substr(equals + 1)), value) &&
-           out.Set(key, value);
-}
-
-void AddFile(const std::string& path, Dictionary& out)
-{
-    std::string text;
-    if (ReadWholeFile(path.c_str(), kMaxFileBytes, text))
-    {
-        ParsePreferences(text, out);
-    }
-}
-
-void ReadFiles(Dictionary& out)
+FileResult AddFile(PreferenceScope scope, Dictionary& out, PreferenceReport& report)
 {
     std::string path;
-    if (W32Util_GetTessaryCommonAppDataFilePath(kFileName, path))
+    if (!GetPreferenceFilePath(scope, path))
     {
-        AddFile(path, out);
+        return {};
     }
-    if (GetUserAppDataDirectory(path))
+    std::vector<size_t> lines;
+    size_t count = 0;
+    const FileResult result = LoadDictionary(path.c_str(), out, &lines, &count);
+    report.damagedCount += count;
+    for (const size_t line : lines)
     {
-        AddFile(path.append("/").append(kFileName), out);
+        report.damaged.push_back({scope, line});
     }
+    return result.error == FileError::NotFound ? FileResult{} : result;
+}
+
+// Throws std::bad_alloc only.
+std::unique_ptr<Dictionary> ReadFiles(PreferenceReport& report)
+{
+    auto values = std::make_unique<Dictionary>();
+    report.machine = AddFile(PreferenceScope::Machine, *values, report);
+    report.user = AddFile(PreferenceScope::User, *values, report);
+    return values;
+}
+
+FileResult Change(PreferenceScope scope, std::string_view key, const std::string_view* value, uint32_t lockMs) noexcept
+{
+    std::string path;
+    if (!GetPreferenceFilePath(scope, path))
+    {
+        return Failure(FileError::NotFound);
+    }
+    const FileResult result = value != nullptr ? SetPreferenceInFile(path.c_str(), key, *value, lockMs)
+                                               : RemovePreferenceFromFile(path.c_str(), key, lockMs);
+    const StoreGuard guard(g_store.lock);
+    Forget();
+    return result;
+}
+
+FileResult MakeUserFolder() noexcept
+{
+    std::string folder;
+    return GetUserAppDataDirectory(folder) ? MakeDirectoryTree(folder.c_str()) : Failure(FileError::NotFound);
 }
 
 } // namespace
 
 size_t ParsePreferences(std::string_view text, Dictionary& out) noexcept
 {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (text.starts_with(kByteOrderMark))
-    {
-        text.remove_prefix(kByteOrderMark.size());
-    }
-    size_t damaged = 0;
-    while (!text.empty())
-    {
-        const size_t end = std::min(text.find('\n'), text.size());
-        try
-        {
-            damaged += ParseLine(Trim(text.substr(0, end)), out) ? 0U : 1U;
-        }
-        catch (...)
-        {
-            ++damaged;
-        }
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return damaged;
+    return out.Load(text);
 }
 
 void PreferencesStart() noexcept
 {
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     g_store.started = true;
 }
 
 void PreferencesStop() noexcept
 {
-    const StoreGuard guard;
-    delete g_store.values;
-    g_store.values = nullptr;
+    const StoreGuard guard(g_store.lock);
+    Forget();
     g_store.started = false;
 }
 
 bool ReadPreference(std::string_view key, std::string& value) noexcept
 {
     value.clear();
-    const StoreGuard guard;
+    const StoreGuard guard(g_store.lock);
     if (!g_store.started)
     {
         return false;
@@ -151,9 +121,8 @@ bool ReadPreference(std::string_view key, std::string& value) noexcept
     {
         if (g_store.values == nullptr)
         {
-            auto values = std::make_unique<Dictionary>();
-            ReadFiles(*values);
-            g_store.values = values.release();
+            PreferenceReport report;
+            g_store.values = ReadFiles(report).release();
         }
         const char* found = g_store.values->Get(key);
         value = found != nullptr ? found : "";
@@ -163,6 +132,78 @@ bool ReadPreference(std::string_view key, std::string& value) noexcept
     {
         return false;
     }
+}
+
+FileResult PreferencesReload(PreferenceReport* report) noexcept
+{
+    const StoreGuard guard(g_store.lock);
+    if (!g_store.started)
+    {
+        return Failure(FileError::InvalidArgument);
+    }
+    try
+    {
+        PreferenceReport own;
+        std::unique_ptr<Dictionary> values = ReadFiles(own);
+        const FileResult result = own.machine.Ok() ? own.user : own.machine;
+        if (result.Ok())
+        {
+            Forget();
+            g_store.values = values.release();
+        }
+        if (report != nullptr)
+        {
+            *report = std::move(own);
+        }
+        return result;
+    }
+    catch (...)
+    {
+        return Failure(FileError::OutOfMemory);
+    }
+}
+
+bool GetPreferenceFilePath(PreferenceScope scope, std::string& path) noexcept
+{
+    if (scope == PreferenceScope::Machine)
+    {
+        return W32Util_GetTessaryCommonAppDataFilePath(kFileName, path);
+    }
+    try
+    {
+        if (!GetUserAppDataDirectory(path))
+        {
+            return false;
+        }
+        path.append("/").append(kFileName);
+        return true;
+    }
+    catch (...)
+    {
+        path.clear();
+        return false;
+    }
+}
+
+FileResult WritePreference(PreferenceScope scope,
+                           std::string_view key,
+                           std::string_view value,
+                           uint32_t lockMs) noexcept
+{
+    if (scope == PreferenceScope::User)
+    {
+        const FileResult made = MakeUserFolder();
+        if (!made.Ok())
+        {
+            return made;
+        }
+    }
+    return Change(scope, key, &value, lockMs);
+}
+
+FileResult RemovePreference(PreferenceScope scope, std::string_view key, uint32_t lockMs) noexcept
+{
+    return Change(scope, key, nullptr, lockMs);
 }
 
 } // namespace tsypr

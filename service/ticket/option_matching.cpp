@@ -94,7 +94,7 @@ std::optional<std::size_t> FindByMeaning(const TicketFeature& feature,
 
 std::optional<Match> MatchOption(const TicketFeature& feature, const XmlElement& option, const XmlElement& ticket)
 {
-    const std::optional<QName> name = option.Name();
+    const std::optional<QName>& name = option.Name();
     if (name)
     {
         if (const auto found = FindByName(feature, *name))

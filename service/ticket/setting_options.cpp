@@ -28,6 +28,7 @@ template <class Item>
 std::vector<TicketOption> FromItems(const Profile& profile, const std::vector<Item>& items)
 {
     std::vector<TicketOption> options;
+    options.reserve(items.size());
     for (const Item& item : items)
     {
         options.push_back({FromKeyword(profile, item.keyword), item.name, {}, item.id});
@@ -38,6 +39,7 @@ std::vector<TicketOption> FromItems(const Profile& profile, const std::vector<It
 std::vector<TicketOption> FromKeywords(const Profile& profile, const std::vector<std::string>& keywords)
 {
     std::vector<TicketOption> options;
+    options.reserve(keywords.size());
     for (const std::string& keyword : keywords)
     {
         options.push_back({FromKeyword(profile, keyword), "", {}, static_cast<std::int64_t>(options.size())});

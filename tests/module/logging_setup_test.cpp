@@ -133,6 +133,18 @@ TEST_F(LoggingSetupTest, ChoosesTheFile)
     }
 }
 
+TEST_F(LoggingSetupTest, PassesOnWhatThePreferencesSayAboutTheFiles)
+{
+    SetPreference(m_data, "log.rotateBytes", "1"); // a file for each line
+    WriteALog();
+    WriteALog();
+    const auto entries = [this] { return std::distance(fs::directory_iterator(m_data / "logs"), {}); };
+    EXPECT_EQ(entries(), 4);
+    SetPreference(m_data, "log.keepFiles", "1");
+    WriteALog();
+    EXPECT_EQ(entries(), 1);
+}
+
 TEST_F(LoggingSetupTest, FindsTheApplicationData)
 {
     const std::wstring withBackslash = m_data.native() + L"\\"; // as some write directories

@@ -279,12 +279,14 @@ TEST_F(PTParserTest, NoDocumentIsReported)
     EXPECT_FALSE(PTParser::GetMediaTypeOptions(nullptr, options));
     EXPECT_FALSE(PTParser::SetNupOption(nullptr, pages, text));
     EXPECT_FALSE(PTParser::GetStapleOption(nullptr, text));
+    EXPECT_EQ(nullptr, PTParser::GetFeatureRootNode(nullptr, PTParser::kPrintTicket, kStapleFeatureNames).Get());
     Messages expected;
     for (const char* name : {"GetNupCapability",
                              "GetFinishingCapability",
                              "GetFeatureOptions",
                              "GetOrSetNupOption",
-                             "GetOrSetStringOption"})
+                             "GetOrSetStringOption",
+                             "GetFeatureRootNode"})
     {
         expected.push_back(std::string("error PTParser::") + name + ", xmlDoc is null");
     }

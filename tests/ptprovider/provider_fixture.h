@@ -127,6 +127,17 @@ protected:
         return result;
     }
 
+    // The calls since the last time in one line; every printer opened is "Office Laser".
+    std::string Calls()
+    {
+        std::string line;
+        for (const std::string& call : service.TakeCalls())
+        {
+            line += (line.empty() ? "" : " ") + (call == "open Office Laser" ? "open" : call);
+        }
+        return line;
+    }
+
     ComThread com;
     ComPtr<IPrintTicketProvider> provider;
     ULONG size = 0; // of the last device mode given

@@ -58,7 +58,7 @@ ComPtr<IXMLDOMDocument2> NewDocument()
 
 ComPtr<IXMLDOMDocument2> Load(const std::string& xml)
 {
-    const ComPtr<IXMLDOMDocument2> document = NewDocument();
+    ComPtr<IXMLDOMDocument2> document = NewDocument();
     ComPtr<IStream> stream;
     stream.Attach(SHCreateMemStream(reinterpret_cast<const BYTE*>(xml.data()), static_cast<UINT>(xml.size())));
     VARIANT_BOOL isLoaded = VARIANT_FALSE;

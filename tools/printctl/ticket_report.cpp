@@ -157,27 +157,27 @@ std::string IndentedXml(const std::string& xml)
 {
     std::string text;
     size_t depth = 0;
-    for (size_t at = 0; at < xml.size();)
+    bool isInside = false; // the last tag opened an element
+    for (size_t at = 0; xml.find('<', at) != std::string::npos;)
     {
         const size_t open = xml.find('<', at);
-        const std::string content = xml.substr(at, open == std::string::npos ? open : open - at);
-        const bool isBlank = content.find_first_not_of(" \t\r\n") == std::string::npos;
-        text += isBlank ? "" : content;
-        if (open == std::string::npos)
-        {
-            break;
-        }
         const size_t close = std::min(xml.find('>', open), xml.size() - 1);
+        const std::string content = xml.substr(at, open - at);
         const std::string tag = xml.substr(open, close - open + 1);
         const bool isEnd = tag.starts_with("</");
+        const bool hasText = content.find_first_not_of(" \t\r\n") != std::string::npos;
         depth -= isEnd && depth > 0 ? 1 : 0;
-        // An end tag stays beside text.
-        if (isBlank && !(isEnd && text.ends_with('>') && text.rfind("</") < text.rfind('<') && at == open))
+        if (hasText)
         {
-            text += (text.empty() ? "" : "\n") + std::string(2 * depth, ' ');
+            text += content;
+        }
+        else if (!text.empty() && !(isEnd && isInside))
+        {
+            text += "\n" + std::string(2 * depth, ' ');
         }
         text += tag;
-        depth += isEnd || tag.ends_with("/>") || tag.starts_with("<?") || tag.starts_with("<!") ? 0 : 1;
+        isInside = !isEnd && !tag.ends_with("/>") && !tag.starts_with("<?") && !tag.starts_with("<!");
+        depth += isInside ? 1 : 0;
         at = close + 1;
     }
     return text + "\n";

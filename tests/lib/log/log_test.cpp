@@ -1,8 +1,9 @@
 #include "lib/log/log.h"
 
+#include "lib/log/log_settings.h"
 #include "lib/misc/process.h"
 #include "lib/unicode/codeset.h"
-#include "tests/lib/test_files.h"
+#include "tests/lib/log/log_files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,10 +26,7 @@ namespace
 
 bool Start(const std::string& file, const char* level = "debug1")
 {
-    Dictionary settings;
-    settings.Set(kLogFileNameKey, file);
-    settings.Set(kLogFileLevelKey, level);
-    return LogStart("test", settings);
+    return LogStart("test", Settings(file, {{kLogFileLevelKey, level}, {kLogOwnFileKey, "1"}}));
 }
 
 // A log in a file of its own.
@@ -120,6 +118,149 @@ TEST_F(LogTest, UnusableFilesDoNotDisturb)
         LogWrite(kLogErrorLevel, "%s\n", "lost");
         LogStop();
     }
+}
+
+TEST_F(LogTest, TheLevelMayChangeAtAnyTime)
+{
+    EXPECT_FALSE(LogSetLevel(kLogInfo)); // not running
+    ASSERT_TRUE(Start(Utf8(m_file), "info"));
+    const int levels[] = {kLogDebug1, kLogErrorLevel, -1, kLogDebug1 + 1, kLogAudit, kLogInfo};
+    for (const int level : levels)
+    {
+        EXPECT_EQ(LogSetLevel(level), level >= kLogAudit && level <= kLogDebug1) << level;
+        for (int written = kLogAudit; written <= kLogDebug1; ++written)
+        {
+            LogWrite(written, "<%d>", written);
+        }
+    }
+    LogStop();
+    std::string all;
+    for (const std::string& line : ReadLines(m_file))
+    {
+        all += line.substr(line.find('<') + 1, 1);
+    }
+    EXPECT_EQ(all,
+              "0123456789"
+              "012"
+              "012"
+              "012"
+              "0"
+              "012345");
+}
+
+// The message of a line, behind time, level, process and thread.
+std::string MessageOf(const std::string& line)
+{
+    size_t place = 0;
+    for (int blanks = 0; blanks < 4; ++blanks)
+    {
+        place = line.find(' ', place) + 1;
+    }
+    return line.substr(place);
+}
+
+TEST_F(LogTest, IdenticalLinesAreFolded)
+{
+    ASSERT_TRUE(
+        LogStart("test", Settings(Utf8(m_file), {{kLogThrottleLinesKey, "3"}, {kLogThrottleSecondsKey, "3600"}})));
+    const auto say = [](const char* text)
+    {
+        for (int i = 0; i < 5; ++i)
+        {
+            LogWrite(kLogErrorLevel, "%s, failed with %d.\n", text, 5);
+        }
+    };
+    say("Open");
+    LogWrite(kLogErrorLevel, "%s, failed with %d.\n", "Open", 6);
+    LogSetLevel(kLogDebug);
+    say("Close");
+    LogStop();
+    std::vector<std::string> messages;
+    for (const std::string& line : ReadLines(m_file))
+    {
+        messages.push_back(MessageOf(line));
+        EXPECT_EQ(line.substr(25, 6), "error "); // also of the folded ones
+    }
+    const std::string open = "Open, failed with 5.";
+    const std::string close = "Close, failed with 5.";
+    EXPECT_THAT(messages,
+                testing::ElementsAre(open,
+                                     open,
+                                     open,
+                                     "Open, failed with 6.",
+                                     "message repeated 2 times in 3600 s: " + open,
+                                     close,
+                                     close,
+                                     close,
+                                     "message repeated 2 times in 3600 s: " + close));
+}
+
+// By default, a call that fails in a loop leaves 500 lines and one.
+TEST_F(LogTest, ALoopOfFailuresDoesNotFillTheDisk)
+{
+    ASSERT_TRUE(Start(Utf8(m_file)));
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < 4; ++t)
+    {
+        threads.emplace_back(
+            []
+            {
+                for (int i = 0; i < 2500; ++i)
+                {
+                    LogWrite(kLogErrorLevel, "%s, the printer does not answer.\n", "Print");
+                }
+            });
+    }
+    threads.clear(); // waits for them
+    LogStop();
+    const std::vector<std::string> lines = ReadLines(m_file);
+    EXPECT_EQ(lines.size(), 501U);
+    EXPECT_EQ(MessageOf(lines.back()), "message repeated 9500 times in 10 s: Print, the printer does not answer.");
+}
+
+TEST(LogSettingsTest, WhatIsNoNumberInTheRangeCountsAsMissing)
+{
+    const char* const wrong[] = {"", " ", "x", "-1", "1x", "1.5", "4294967296", "99999999999999999999"};
+    for (const char* text : wrong)
+    {
+        Dictionary dictionary;
+        for (const char* key : {kLogFileLevelKey,
+                                kLogOwnFileKey,
+                                kLogRotateBytesKey,
+                                kLogKeepRotatedKey,
+                                kLogKeepFilesKey,
+                                kLogThrottleLinesKey,
+                                kLogThrottleSecondsKey})
+        {
+            dictionary.Set(key, text);
+        }
+        for (const LogSettings& settings : {ReadLogSettings(dictionary), ReadLogSettings(Dictionary())})
+        {
+            EXPECT_EQ(settings.level, kLogInfo) << text;
+            EXPECT_EQ(settings.file, nullptr);
+            EXPECT_FALSE(settings.ownFile);
+            EXPECT_EQ(settings.rotateBytes, 10'485'760U);
+            EXPECT_EQ(settings.keepRotated, 5U);
+            EXPECT_EQ(settings.keepFiles, 50U);
+            EXPECT_EQ(settings.throttleLines, 500U);
+            EXPECT_EQ(settings.throttleSeconds, 10U);
+        }
+    }
+    const LogSettings most = ReadLogSettings(Settings("a.log",
+                                                      {{kLogOwnFileKey, "1"},
+                                                       {kLogRotateBytesKey, "4294967295"},
+                                                       {kLogKeepRotatedKey, "999"},
+                                                       {kLogKeepFilesKey, "0"},
+                                                       {kLogThrottleLinesKey, "0"},
+                                                       {kLogThrottleSecondsKey, "86400"}}));
+    EXPECT_TRUE(most.ownFile);
+    EXPECT_EQ(most.rotateBytes, 4'294'967'295U);
+    EXPECT_EQ(most.keepRotated, 999U);
+    EXPECT_EQ(most.keepFiles, 0U);
+    EXPECT_EQ(most.throttleLines, 0U);
+    EXPECT_EQ(most.throttleSeconds, 86'400U);
+    EXPECT_EQ(ReadLogSettings(Settings("", {{kLogKeepRotatedKey, "1000"}})).keepRotated, 5U);
+    EXPECT_EQ(ReadLogSettings(Settings("", {{kLogThrottleSecondsKey, "86401"}})).throttleSeconds, 10U);
 }
 
 // A line of a thread; short lines and such on the heap.

@@ -59,7 +59,7 @@ int RunChild(const std::string& folder, int process, int seconds)
     Dictionary settings;
     settings.Set(kLogFileNameKey, folder + "/shared.log");
     settings.Set(kLogRotateBytesKey, "2097152");
-    settings.Set(kLogKeepRotatedKey, "1000");
+    settings.Set(kLogKeepRotatedKey, "999");
     if (!LogStart("stress", settings))
     {
         return 1;

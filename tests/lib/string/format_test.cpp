@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <random>
 #include <vector>
 
 namespace tsypr
@@ -82,11 +84,62 @@ TEST(Format, NumbersAreThoseOfTheCLibrary)
         {
             CompareWithC(conversion, "-+ #0", value);
         }
-        CompareWithC("a", "-+ #", value); // some C libraries do not keep to the standard with "-0" here
-        CompareWithC("A", "+ #0", value);
     }
-    EXPECT_EQ(Format("%.1Lf", 2.25L), "2.2");
-    EXPECT_EQ(Format("%08f", std::nan("")).find_first_not_of(" -nan"), std::string::npos);
+}
+
+// Numbers of every size and with every digit, as their bits come.
+TEST(Format, FloatsAreThoseOfTheCLibrary)
+{
+    std::mt19937_64 random(20'240'305); // NOLINT(cert-msc51-cpp): the same numbers in every run
+    for (int i = 0; i < 3000; ++i)
+    {
+        const auto any = std::bit_cast<double>(random());
+        // Every other one of a size that people use, some with few digits, so that there are ties.
+        const double value = i % 2 == 0 ? any : std::ldexp(static_cast<double>(random() % 100'000), -(i % 20));
+        if (std::isnan(value))
+        {
+            continue;
+        }
+        for (const char* format : {"%f", "%.0f", "%#.3F", "%.12e", "%.0E", "%g", "%#g", "%.17G", "%.1g", "%.40g"})
+        {
+            char expected[512] = {};
+            std::snprintf(expected, sizeof(expected), format, value); // NOLINT
+            ASSERT_EQ(Format(format, value), expected) << format << " of " << std::bit_cast<uint64_t>(value);
+        }
+#ifdef __linux__ // other C libraries choose another first digit
+        for (const char* format : {"%a", "%.0a", "%#.1A", "%.12a", "%020.15a"})
+        {
+            char expected[512] = {};
+            std::snprintf(expected, sizeof(expected), format, value); // NOLINT
+            ASSERT_EQ(Format(format, value), expected) << format << " of " << std::bit_cast<uint64_t>(value);
+        }
+#endif
+    }
+}
+
+TEST(Format, FloatsAreTheSameEverywhere)
+{
+    const double infinity = HUGE_VAL;
+    const double least = 4.9406564584124654e-324;
+    const std::pair<std::string, std::string> cases[] = {
+        {Format("%a|%A|%.2a|%#.0a", 1.0, 0.15625, 1.999, 1.5), "0x1p+0|0X1.4P-3|0x2.00p+0|0x2.p+0"},
+        {Format("%a|%012a|%-12a|%+a", 0.0, -2.0, 0.5, DBL_MAX),
+         "0x0p+0|-0x000001p+1|0x1p-1      |+0x1.fffffffffffffp+1023"},
+        {Format("%a|%.16a", least, 1.1), "0x0.0000000000001p-1022|0x1.199999999999a000p+0"},
+        {Format("%e|%E|%.3g|%g", 1e100, 1e-5, 1e-300, 1e9), "1.000000e+100|1.000000E-05|1e-300|1e+09"},
+        {Format("%.0e|%.10g", least, least), "5e-324|4.940656458e-324"},
+        {Format("%g|%#g|%#.3g|%.0g|%G", 100000.0, 100000.0, 0.0, 0.00012345, 1e-10),
+         "100000|100000.|0.00|0.0001|1E-10"},
+        {Format("%.0f|%.0f|%.0f|%.1f|%.2f", 0.5, 1.5, 2.5, 0.25, 1.005), "0|2|2|0.2|1.00"},
+        {Format("%.3f|%f|%.1f|%.0f", 0.0004, 0.0000005, 9.95, 999.5), "0.000|0.000000|9.9|1000"},
+        {Format("%f|%+F|%5e|%-5g|%05a", infinity, infinity, -infinity, infinity, -infinity),
+         "inf|+INF| -inf|inf  | -inf"},
+        {Format("%f|%08G|%+e", std::nan(""), -std::nan(""), std::nan("")), "nan|     NAN|+nan"},
+        {Format("%.1Lf|%Lg|%La|%Le", 2.25L, -1e10L, 1.0L, 0.0L), "2.2|-1e+10|0x1p+0|0.000000e+00"}};
+    for (const auto& [actual, expected] : cases)
+    {
+        EXPECT_EQ(actual, expected);
+    }
 }
 
 TEST(Format, GivesTheseTexts)
@@ -120,6 +173,75 @@ TEST(Format, GivesTheseTexts)
         EXPECT_EQ(actual, expected);
     }
     EXPECT_EQ(written, 7);
+}
+
+TEST(Format, TakesArgumentsByNumber)
+{
+    const Utf16String wideText = Wide(u"\u20AC");
+    const Utf16Unit* const wide = wideText.c_str();
+    const std::string euro = "\xE2\x82\xAC";
+    const std::pair<std::string, std::string> cases[] = {
+        {Format("%2$s of %1$d, 100%%, %1$x", 30, "abc"), "abc of 30, 100%, 1e"},
+        {Format("[%2$*1$d][%2$-*1$d|%3$.*1$s]", 4, 5, "abcdef"), "[   5][5   |abcd]"},
+        {Format("%5$.1f %4$S %3$lld %2$s %1$c %1$hhd", 'a', "b", -3LL, wide, 1.5), "1.5 " + euro + " -3 b a 97"},
+        {Format("%3$Lg %2$zx %1$p", nullptr, size_t{255}, 0.5L), "0.5 ff 0000000000000000"},
+        {Format("%32$d%31$d", 1) + Format("%1$s%33$d", "a"), "%32$d%31$da%33$d"},
+        // The first conversion decides.
+        {Format("%1$s %s %d %1$*d|%*1$d", "a"), "a %s %d %1$*d|%*1$d"},
+        {Format("%s %1$s %d", "a", 7), "a %1$s 7"},
+        // Behind a gap nothing can be found, and nothing is what it was not before.
+        {Format("%1$s %3$s", "a"), "a %3$s"},
+        {Format("%2$s", "a"), "%2$s"},
+        {Format("%1$s %1$d %1$S %2$*1$d", "a", 5), "a %1$d %1$S %2$*1$d"},
+        // No such number, no such conversion.
+        {Format("%0$d %1$d", 5) + Format("%1$% %1$y %1$s", "a"), "%0$d 5%1$% %1$y a"},
+        {Format("%99999999999999999999$d|%1$-5.2", 5), "%99999999999999999999$d|%1$-5.2"},
+        {Format("%1$n%2$d%", nullptr, 5), "5%"}};
+    for (const auto& [actual, expected] : cases)
+    {
+        EXPECT_EQ(actual, expected);
+    }
+    std::string all;
+    std::string expected;
+    for (int i = 32; i > 0; --i)
+    {
+        all += "%" + std::to_string(i) + "$d ";
+        expected += std::to_string(i) + " ";
+    }
+    EXPECT_EQ(Format(all.c_str(),
+                     1,
+                     2,
+                     3,
+                     4,
+                     5,
+                     6,
+                     7,
+                     8,
+                     9,
+                     10,
+                     11,
+                     12,
+                     13,
+                     14,
+                     15,
+                     16,
+                     17,
+                     18,
+                     19,
+                     20,
+                     21,
+                     22,
+                     23,
+                     24,
+                     25,
+                     26,
+                     27,
+                     28,
+                     29,
+                     30,
+                     31,
+                     32),
+              expected);
 }
 
 TEST(Format, CorruptWidthsStayWithinReason)
@@ -158,6 +280,12 @@ TEST(Format, TextsAreCutBetweenCharactersAndNotReadBeyond)
         EXPECT_EQ(buffer.substr(0, expected.size() + 1), expected + '\0');
         EXPECT_EQ(buffer.back(), '#');
     }
+    // A text that comes cut shows it, where there is room for that.
+    EXPECT_EQ(Format("%s|%5s|%-5s|%.9s|%.4s|%.3s", "a\xE2\x82", "\xF0\x9F\x98", "\xC3", "ab\xE2", "ab\xE2", "ab\xE2"),
+              "a\xEF\xBF\xBD|  \xEF\xBF\xBD|\xEF\xBF\xBD  |ab\xEF\xBF\xBD|ab|ab");
+    char four[4];
+    EXPECT_EQ(FormatFixed(four, sizeof(four), "%s", "ab\xE2"), 2U);
+    EXPECT_STREQ(four, "ab");
     const std::string noUtf8 = "\x80\x80\x80"; // taken byte by byte
     EXPECT_EQ(Format("%.*s", 3, std::vector<char>(noUtf8.begin(), noUtf8.end()).data()), noUtf8);
     const Utf16String cutPair = Wide(u"xy\xD83D");
@@ -166,6 +294,16 @@ TEST(Format, TextsAreCutBetweenCharactersAndNotReadBeyond)
     EXPECT_EQ(FormatFixed(&untouched, 0, "%d", 5), 0U);
     EXPECT_EQ(FormatFixed(nullptr, 10, "%d", 5), 0U);
     EXPECT_EQ(untouched, '#');
+}
+
+TEST(Format, FillsStringsOfAnyLength)
+{
+    std::string text = "old";
+    const std::string longText(100'000, 'x');
+    EXPECT_TRUE(FormatString(text, "%s%d", longText.c_str(), 5));
+    EXPECT_EQ(text, longText + "5");
+    EXPECT_TRUE(FormatString(text, nullptr));
+    EXPECT_EQ(text, "");
 }
 
 #ifdef _WIN32

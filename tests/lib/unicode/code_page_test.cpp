@@ -138,8 +138,8 @@ TEST(CodePage, EveryByteAndEveryTwoBytes)
             if (result.Ok())
             {
                 ASSERT_TRUE(CodeSet_Utf16ToPage(page, text, back, kStrict).Ok()) << page << " " << std::hex << value;
-                ASSERT_TRUE(CodeSet_PageToUtf16(page, back, again, kStrict).Ok());
-                ASSERT_TRUE(again == text) << page << " " << std::hex << value;
+                ASSERT_TRUE(back == bytes || (CodeSet_PageToUtf16(page, back, again, kStrict).Ok() && again == text))
+                    << page << " " << std::hex << value;
             }
 #ifdef _WIN32
             // Wine has no table for GB18030, and looks for it every time.

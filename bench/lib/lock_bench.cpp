@@ -1,0 +1,40 @@
+#include "bench/compare.h"
+#include "bench/lib/benches.h"
+#include "lib/misc/recursive_lock.h"
+
+#include <cstdio>
+#include <mutex>
+
+namespace tsypr::bench
+{
+namespace
+{
+
+template <class Lock>
+void TakeAndRelease(Lock& lock)
+{
+    lock.lock();
+    lock.unlock();
+}
+
+// Ours with all that a release build has: the statistics.
+template <class Ours, class Other>
+void CompareLocks(Report& report, const char* name, double goal)
+{
+    static Ours s_ours;
+    static Other s_other;
+    const Comparison times = Compare([] { TakeAndRelease(s_ours); }, [] { TakeAndRelease(s_other); });
+    char detail[120];
+    std::snprintf(detail, sizeof(detail), "ours %.1f ns, std %.1f ns", times.firstNs, times.secondNs);
+    report.measurements.push_back({name, "x", times.ratio, goal, false, times.firstNs, times.secondNs, detail});
+}
+
+} // namespace
+
+void MeasureLocks(Report& report)
+{
+    CompareLocks<ExclusiveLock, std::mutex>(report, "lock and unlock / std::mutex", 1.2);
+    CompareLocks<RecursiveLock, std::recursive_mutex>(report, "lock and unlock / std::recursive_mutex", 1.2);
+}
+
+} // namespace tsypr::bench

@@ -1,0 +1,28 @@
+// Letters without a locale: names of levels and switches are ASCII.
+#ifndef TESSARY_LIB_STRING_ASCII_H
+#define TESSARY_LIB_STRING_ASCII_H
+
+#include <algorithm>
+#include <string_view>
+
+namespace tsypr
+{
+
+constexpr char AsciiLower(char c) noexcept
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Whether the texts are the same but for the case of the letters A to Z.
+constexpr bool EqualsIgnoringCase(std::string_view first, std::string_view second) noexcept
+{
+    return std::equal(first.begin(),
+                      first.end(),
+                      second.begin(),
+                      second.end(),
+                      [](char a, char b) { return AsciiLower(a) == AsciiLower(b); });
+}
+
+} // namespace tsypr
+
+#endif

@@ -1,0 +1,38 @@
+#include "lib/string/dictionary_file.h"
+
+#include "lib/file/read_file.h"
+#include "lib/file/replace_file.h"
+
+namespace tsypr
+{
+
+FileResult LoadDictionary(const char* path,
+                          Dictionary& out,
+                          std::vector<size_t>* damagedLines,
+                          size_t* damagedCount) noexcept
+{
+    std::string text;
+    const FileResult result = ReadFileContents(path, kMaxKeyValueFileBytes, text);
+    const size_t damaged = out.Load(text, damagedLines);
+    if (damagedCount != nullptr)
+    {
+        *damagedCount = damaged;
+    }
+    return result;
+}
+
+FileResult SaveDictionary(const char* path, const Dictionary& dictionary) noexcept
+{
+    std::string text;
+    if (!dictionary.Save(text))
+    {
+        return {.error = FileError::InvalidArgument};
+    }
+    if (text.size() > kMaxKeyValueFileBytes)
+    {
+        return {.error = FileError::TooLarge};
+    }
+    return ReplaceFileContents(path, text);
+}
+
+} // namespace tsypr

@@ -1,0 +1,282 @@
+#include "lib/misc/clock.h"
+#include "lib/misc/recursive_lock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+
+namespace tsypr::test
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constinit ExclusiveLock g_exclusive; // both may be static state
+constinit RecursiveLock g_recursive;
+
+template <class Lock>
+Lock& TheLock();
+template <>
+ExclusiveLock& TheLock()
+{
+    return g_exclusive;
+}
+template <>
+RecursiveLock& TheLock()
+{
+    return g_recursive;
+}
+
+template <class Lock>
+class LockTest : public testing::Test
+{
+protected:
+    Lock& m_lock = TheLock<Lock>();
+    LockStatistics m_before = m_lock.Statistics();
+};
+
+using LockTypes = testing::Types<ExclusiveLock, RecursiveLock>;
+TYPED_TEST_SUITE(LockTest, LockTypes, );
+
+// What another thread gets.
+template <class Question>
+auto ElsewhereSays(Question question)
+{
+    return std::async(std::launch::async, question).get();
+}
+
+TYPED_TEST(LockTest, EveryFormKeepsTheOthersOut)
+{
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 5000;
+    TypeParam& lock = this->m_lock;
+    int64_t counter = 0; // nothing but the lock protects it
+    const auto count = [&lock, &counter]
+    {
+        for (int i = 0; i < kRounds; ++i)
+        {
+            {
+                const ScopedLock scope(lock);
+                ++counter;
+            }
+            {
+                const std::unique_lock scope(lock);
+                ++counter;
+            }
+            while (!lock.TryAcquireFor(1))
+            {
+            }
+            ++counter;
+            lock.Release();
+            while (!lock.TryAcquire())
+            {
+                std::this_thread::yield();
+            }
+            ++counter;
+            lock.Release();
+        }
+    };
+    std::vector<std::jthread> threads;
+    for (int t = 0; t < kThreads; ++t)
+    {
+        threads.emplace_back(count);
+    }
+    threads.clear(); // waits for them
+    EXPECT_EQ(counter, int64_t{4} * kThreads * kRounds);
+    const LockStatistics after = lock.Statistics();
+    EXPECT_EQ(after.acquisitions - this->m_before.acquisitions, static_cast<uint64_t>(counter));
+    EXPECT_LE(after.contended, after.acquisitions);
+    EXPECT_LE(after.longestWaitUs, after.totalWaitUs);
+}
+
+TYPED_TEST(LockTest, TimedFormsWaitAsLongAsTheyShould)
+{
+    TypeParam& lock = this->m_lock;
+    ASSERT_TRUE(lock.TryAcquire());
+    EXPECT_FALSE(ElsewhereSays([&lock] { return lock.TryAcquire(); }));
+    EXPECT_FALSE(ElsewhereSays([&lock] { return lock.TryAcquireFor(0); }));
+    const int64_t begin = MonotonicMicroseconds();
+    EXPECT_FALSE(ElsewhereSays([&lock] { return lock.TryAcquireFor(30); }));
+    EXPECT_GE(MonotonicMicroseconds() - begin, 29'000);
+
+    std::atomic<int> asking{0};
+    auto patient = std::async(std::launch::async,
+                              [&lock, &asking]
+                              {
+                                  ++asking;
+                                  const bool taken = lock.TryAcquireFor(60'000);
+                                  lock.Release();
+                                  return taken;
+                              });
+    auto endless = std::async(std::launch::async,
+                              [&lock, &asking]
+                              {
+                                  ++asking;
+                                  const ScopedLock scope(lock);
+                              });
+    while (asking != 2)
+    {
+        std::this_thread::yield();
+    }
+    std::this_thread::sleep_for(30ms);
+    lock.Release();
+    EXPECT_TRUE(patient.get());
+    endless.get();
+    EXPECT_LT(MonotonicMicroseconds() - begin, 30'000'000); // woken, not timed out
+
+    const LockStatistics after = lock.Statistics();
+    EXPECT_EQ(after.acquisitions - this->m_before.acquisitions, 3U); // what timed out does not count
+    EXPECT_EQ(after.contended - this->m_before.contended, 2U);
+    EXPECT_GE(after.totalWaitUs - this->m_before.totalWaitUs, 20'000U);
+    EXPECT_GE(after.longestWaitUs, 10'000U);
+}
+
+TEST(RecursiveLockTest, TheHolderMayComeAgain)
+{
+    RecursiveLock lock;
+    const auto freeForOthers = [&lock]
+    {
+        return ElsewhereSays(
+            [&lock]
+            {
+                EXPECT_EQ(lock.Depth(), 0U);
+                lock.Release(); // not theirs
+                const bool taken = lock.TryAcquire();
+                lock.Release();
+                return taken;
+            });
+    };
+    lock.Acquire();
+    EXPECT_TRUE(lock.TryAcquire());
+    EXPECT_TRUE(lock.TryAcquireFor(0));
+    for (uint32_t depth = 3; depth != 0; --depth)
+    {
+        EXPECT_EQ(lock.Depth(), depth);
+        EXPECT_FALSE(freeForOthers());
+        lock.Release();
+    }
+    EXPECT_TRUE(freeForOthers());
+    lock.Release();
+    EXPECT_EQ(lock.Depth(), 0U);
+    EXPECT_EQ(lock.Statistics().acquisitions, 2U);
+}
+
+std::vector<std::string>* g_violations;
+
+void NoteViolation(const LockRankViolation& violation) noexcept
+{
+    g_violations->push_back(std::string(violation.wantedName) + std::to_string(violation.wantedRank) + " under " +
+                            violation.heldName + std::to_string(violation.heldRank));
+}
+
+// Steps: a letter acquires that lock (a to d, ranks 10, 20, 20, none), "?" in front makes it a try, "-" releases it.
+std::vector<std::string> ViolationsOf(std::string_view steps)
+{
+    static constinit ExclusiveLock s_locks[] = {{"a", 10}, {"b", 20}, {"c", 20}, {}};
+    std::vector<std::string> violations;
+    g_violations = &violations;
+    const LockRankHandler before = SetLockRankHandler(NoteViolation);
+    char how = ' ';
+    for (const char step : steps)
+    {
+        if (step < 'a')
+        {
+            how = step;
+            continue;
+        }
+        ExclusiveLock& lock = s_locks[step - 'a'];
+        if (how == '-')
+        {
+            lock.Release();
+        }
+        else if (how != '?')
+        {
+            lock.Acquire();
+        }
+        else if (!lock.TryAcquire())
+        {
+            ADD_FAILURE() << "a try failed in " << steps;
+        }
+        how = ' ';
+    }
+    EXPECT_EQ(SetLockRankHandler(before), NoteViolation);
+    return violations;
+}
+
+TEST(LockRankTest, ViolationsAreReportedWithBothNames)
+{
+    struct Case
+    {
+        const char* steps;
+        std::vector<std::string> violations;
+    };
+    const Case cases[] = {
+        {"ab-b-a", {}},
+        {"ab-a-b", {}}, // released in any order
+        {"ba-a-b", {"a10 under b20"}},
+        {"bc-c-b", {"c20 under b20"}},
+        {"b?a-a-b", {}},                // a try cannot lead into a deadlock,
+        {"?ba-a-b", {"a10 under b20"}}, // but what it took counts
+        {"b-ba-a", {}},
+        {"?c?b-cda-a-d-b", {"a10 under b20"}},
+        {"bda-b-d-a", {"a10 under b20"}},
+        {"db-ba-a-d", {}},
+    };
+    for (const Case& example : cases)
+    {
+        EXPECT_EQ(ViolationsOf(example.steps), kLockRanksWatched ? example.violations : std::vector<std::string>{})
+            << example.steps;
+    }
+}
+
+TEST(LockRankTest, OtherThreadsDoNotCountAndTheDefaultGoesOn)
+{
+    ExclusiveLock high("preferences", 20);
+    ExclusiveLock low("log", 10);
+    const ScopedLock scope(high);
+    testing::internal::CaptureStderr();
+    ElsewhereSays([&low] { const ScopedLock inner(low); });
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    {
+        const ScopedLock inner(low);
+    }
+    const std::string text = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(text.substr(0, text.find_first_of("\r\n")),
+              kLockRanksWatched
+                  ? "lock rank violation: \"log\" (rank 10) is taken while \"preferences\" (rank 20) is held"
+                  : "");
+    RecursiveLock again("again", 30);
+    const ScopedLock first(again);
+    const ScopedLock second(again); // no violation: nothing would wait
+}
+
+TEST(ClockTest, DeadlinesCountDown)
+{
+    const Deadline never(-1);
+    const Deadline now(0);
+    const Deadline soon(20'000);
+    const Deadline farAway(INT64_MAX);
+    EXPECT_EQ(never.RemainingMicroseconds(), -1);
+    EXPECT_FALSE(never.Passed());
+    EXPECT_TRUE(now.Passed());
+    EXPECT_GT(farAway.RemainingMicroseconds(), INT64_MAX / 2);
+    const int64_t begin = MonotonicMicroseconds();
+    int64_t last = 20'000;
+    while (!soon.Passed())
+    {
+        const int64_t remaining = soon.RemainingMicroseconds();
+        ASSERT_LE(remaining, last);
+        last = remaining;
+    }
+    EXPECT_GE(MonotonicMicroseconds() - begin, 19'900);
+    EXPECT_EQ(soon.RemainingMicroseconds(), 0);
+}
+
+} // namespace
+} // namespace tsypr::test
