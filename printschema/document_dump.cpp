@@ -1,4 +1,5 @@
 // Print schema documents in files, for diagnosis.
+#include "lib/misc/once.h"
 #include "lib/unicode/codeset.h"
 #include "lib/user/app_data.h"
 #include "module/log.h"
@@ -16,18 +17,17 @@ namespace
 
 constexpr char kFunction[] = "PTParser::DumpXMLDataIfEnabledInReg";
 
-BOOL CALLBACK ReadSwitch(INIT_ONCE*, void* value, void**) noexcept
-{
-    RegUtils::ReadDwordValue(HKEY_LOCAL_MACHINE, kDriverKey, "DumpPTData", 0, static_cast<DWORD*>(value));
-    return TRUE;
-}
-
 // Read once per process; a later change shows when the module is loaded anew.
 bool DumpEnabled() noexcept
 {
-    static constinit INIT_ONCE s_once = INIT_ONCE_STATIC_INIT;
+    static constinit OnceFlag s_once;
     static constinit DWORD s_value = 0;
-    InitOnceExecuteOnce(&s_once, ReadSwitch, &s_value, nullptr);
+    CallOnce(s_once,
+             []
+             {
+                 RegUtils::ReadDwordValue(HKEY_LOCAL_MACHINE, kDriverKey, "DumpPTData", 0, &s_value);
+                 return true;
+             });
     return s_value != 0;
 }
 

@@ -1,6 +1,7 @@
 #include "ui/advanced_page.h"
 
 #include "language/resource_ids.h"
+#include "lib/string/format.h"
 #include "module/interface_dll.h"
 #include "module/log.h"
 #include "module/reg_utils.h"
@@ -15,7 +16,6 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -157,7 +157,7 @@ void ShowCopies(HWND dialog, UIContext& context) noexcept
 {
     context.copies = std::max<int16_t>(DevModeField(context.devMode, &DEVMODEW::dmCopies), 1);
     char text[8];
-    std::snprintf(text, sizeof(text), "%d", context.copies);
+    FormatFixed(text, sizeof(text), "%d", context.copies);
     SetDlgItemTextA(dialog, IDC_COPIES, text);
 }
 

@@ -35,7 +35,7 @@ bool AppendFile::Append(const char* bytes, size_t length, size_t* written) noexc
     bool done = false;
     if (IsOpen() && (bytes != nullptr || length == 0))
     {
-        const sys::AppendTurn turn(m_handle, m_shared ? sys::Patience::Endless : sys::Patience::None);
+        const sys::AppendTurn turn(m_handle, m_shared ? sys::Patience::Long : sys::Patience::None);
         done = sys::Write(m_handle, bytes, length, count) == 0 && count == length;
     }
     if (written != nullptr)

@@ -23,9 +23,9 @@ SystemError RemoveUnused(const NativePath& path) noexcept;
 // How long to wait for one's turn to append.
 enum class Patience
 {
-    None, // there are no turns
-    Short,
-    Endless
+    None,  // there are no turns
+    Short, // milliseconds
+    Long   // seconds
 };
 
 #ifdef _WIN32

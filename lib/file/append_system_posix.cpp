@@ -1,6 +1,8 @@
 #include "lib/file/append_system.h"
 #include "lib/file/system_call_posix.h"
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -11,12 +13,23 @@ namespace tsypr::sys
 
 SystemError OpenToAppend(const NativePath& path, bool /*shared*/, FileHandle& handle) noexcept
 {
-    const SystemError error = Open(path, Access::Append, Creation::OpenOrCreate, handle);
-    if (error == 0 && flock(static_cast<int>(handle), LOCK_SH | LOCK_NB) != 0)
+    while (true)
     {
-        errno = 0; // a file system without locks: RemoveUnused can lock nothing either
+        const SystemError error = Open(path, Access::Append, Creation::OpenOrCreate, handle);
+        if (error != 0)
+        {
+            return error;
+        }
+        // RemoveUnused holds it for a moment only. On a file system without locks that can lock nothing either.
+        while (flock(static_cast<int>(handle), LOCK_SH) != 0 && errno == EINTR)
+        {
+        }
+        if (!IsDeleted(handle))
+        {
+            return 0;
+        }
+        Close(handle); // it was removed between the two calls
     }
-    return error;
 }
 
 bool MayLeadTo(const NativePath& path, FileHandle handle) noexcept
@@ -48,6 +61,10 @@ SystemError RemoveUnused(const NativePath& path) noexcept
         return LastError();
     }
     SystemError error = flock(descriptor, LOCK_EX | LOCK_NB) == 0 ? 0 : LastError();
+    if (error == 0 && !MayLeadTo(path, descriptor))
+    {
+        error = EBUSY; // another file has its name now
+    }
     if (error == 0)
     {
         error = Call(FileOperation::Delete, [&path] { return unlink(path.c_str()); });

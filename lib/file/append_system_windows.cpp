@@ -71,8 +71,10 @@ bool IsDeleted(FileHandle handle) noexcept
 SystemError RemoveUnused(const NativePath& path) noexcept
 {
     // Shared with nobody; the file goes when this handle is closed.
-    return Call(FileOperation::Delete,
-                [&path] { return OpenHandle(path, DELETE, 0, FILE_FLAG_DELETE_ON_CLOSE) != nullptr; });
+    return Call(
+        FileOperation::Delete,
+        [&path]
+        { return OpenHandle(path, DELETE, 0, FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT) != nullptr; });
 }
 
 AppendTurn::AppendTurn(FileHandle handle, Patience patience) noexcept : m_handle(handle)
@@ -81,17 +83,21 @@ AppendTurn::AppendTurn(FileHandle handle, Patience patience) noexcept : m_handle
     {
         return;
     }
-    constexpr int kShortTries = 10; // a millisecond each
-    const bool waits = patience == Patience::Endless;
-    for (int tries = waits ? 1 : kShortTries; tries != 0 && !m_locked; --tries)
+    constexpr ULONGLONG kLongMs = 5000;
+    constexpr ULONGLONG kShortMs = 10;
+    constexpr int kTriesWithoutPause = 50;
+    // Who has the turn may stand still in a debugger: after that time a line goes out of turn.
+    const ULONGLONG end = GetTickCount64() + (patience == Patience::Long ? kLongMs : kShortMs);
+    for (int tries = 0;; ++tries)
     {
         OVERLAPPED place = PlaceOfTurn();
-        const DWORD flags = LOCKFILE_EXCLUSIVE_LOCK | (waits ? 0 : LOCKFILE_FAIL_IMMEDIATELY);
-        m_locked = LockFileEx(ToHandle(m_handle), flags, 0, 1, 0, &place) != FALSE;
-        if (!m_locked && !waits)
+        constexpr DWORD kFlags = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+        m_locked = LockFileEx(ToHandle(m_handle), kFlags, 0, 1, 0, &place) != FALSE;
+        if (m_locked || GetLastError() != ERROR_LOCK_VIOLATION || GetTickCount64() >= end)
         {
-            Sleep(1);
+            return;
         }
+        Sleep(tries < kTriesWithoutPause ? 0 : 1);
     }
 }
 

@@ -87,7 +87,7 @@ bool sys::PassesByItself(SystemError error, const NativePath& path) noexcept
     const DWORD attributes = GetFileAttributesW(path.c_str());
     return attributes == INVALID_FILE_ATTRIBUTES
                ? GetLastError() == ERROR_ACCESS_DENIED
-               : (attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY)) == 0;
+               : (attributes & FILE_ATTRIBUTE_READONLY) == 0 || (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
 } // namespace tsypr

@@ -126,6 +126,17 @@ SystemError RenameOpen(HANDLE handle, const NativePath& to, bool overwrite)
 
 SystemError Open(const NativePath& path, Access access, Creation creation, FileHandle& handle, bool keepsName) noexcept
 {
+    if (access == Access::Append && creation == Creation::Truncate)
+    {
+        // Who may only append cannot make a file shorter.
+        const SystemError error = Open(path, Access::Write, creation, handle, keepsName);
+        if (error != 0)
+        {
+            return error;
+        }
+        Close(handle);
+        return Open(path, access, Creation::OpenExisting, handle, keepsName);
+    }
     HANDLE opened = INVALID_HANDLE_VALUE;
     const DWORD share = keepsName ? FILE_SHARE_READ | FILE_SHARE_WRITE : kShareAll;
     const SystemError error = Call(FileOperation::Open,

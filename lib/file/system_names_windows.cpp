@@ -219,7 +219,8 @@ SystemError FreeSpace(const NativePath& path, uint64_t& bytes)
     {
         return error;
     }
-    const NativePath folder = status.kind == FileKind::Directory ? path : ParentOf(path);
+    const NativePath folder =
+        JoinPath(status.kind == FileKind::Directory ? path : ParentOf(path), {}); // shares want "\\"
     ULARGE_INTEGER available = {};
     error = GetDiskFreeSpaceExW(folder.c_str(), &available, nullptr, nullptr) != FALSE ? 0 : GetLastError();
     bytes = available.QuadPart;

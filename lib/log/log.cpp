@@ -5,6 +5,7 @@
 #include "lib/log/log_output.h"
 #include "lib/misc/clock.h"
 #include "lib/misc/exclusive_lock.h"
+#include "lib/string/format_conversion.h"
 
 #include <cctype>
 #include <memory>
@@ -147,7 +148,7 @@ void EndLine(TextBuffer& line) noexcept
 {
     if (line.Cut())
     {
-        line.Truncate(line.View().size() - 1);
+        line.Truncate(format::WholeCharacters(line.View().data(), line.View().size() - 1));
     }
     if (line.View().back() != '\n')
     {

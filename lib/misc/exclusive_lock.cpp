@@ -33,6 +33,7 @@ bool ExclusiveLock::TakeWithin(int64_t microseconds) noexcept
     {
         return true;
     }
+    detail::FutexPrepare();
     const Deadline deadline(microseconds);
     // Who comes here cannot know whether others sleep, too, and so takes the lock as awaited.
     while (m_state.exchange(kAwaited, std::memory_order_acquire) != kFree)

@@ -10,6 +10,10 @@ namespace tsypr::detail
 
 inline constexpr int64_t kForever = -1;
 
+// Makes the functions below ready. To be called before a word tells others that somebody waits: whoever then wakes them
+// need not ask the system's loader for anything.
+void FutexPrepare() noexcept;
+
 // Sleeps while `word` holds `expected`, at most for the given time, until a wake. May return early for no reason, so
 // callers look at the word again. Returns false when the time is over.
 bool FutexWait(const std::atomic<uint32_t>& word, uint32_t expected, int64_t microseconds = kForever) noexcept;

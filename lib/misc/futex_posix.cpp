@@ -22,6 +22,8 @@ long Futex(const std::atomic<uint32_t>& word, int operation, uint32_t value, con
 
 } // namespace
 
+void FutexPrepare() noexcept {}
+
 bool FutexWait(const std::atomic<uint32_t>& word, uint32_t expected, int64_t microseconds) noexcept
 {
     if (microseconds < 0)

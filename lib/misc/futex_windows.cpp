@@ -49,16 +49,19 @@ void Wake(std::atomic<WakeFunction>& known, const char* name, const std::atomic<
 
 } // namespace
 
+void FutexPrepare() noexcept
+{
+    Find(g_functions.wakeOne, "WakeByAddressSingle");
+    Find(g_functions.wakeAll, "WakeByAddressAll");
+    Find(g_functions.wait, "WaitOnAddress");
+}
+
 bool FutexWait(const std::atomic<uint32_t>& word, uint32_t expected, int64_t microseconds) noexcept
 {
     constexpr int64_t kLongestMs = 0x7FFFFFFF;
     const int64_t wholeMs = microseconds / 1000 + (microseconds % 1000 != 0 ? 1 : 0);
     const DWORD milliseconds =
         microseconds < 0 ? INFINITE : static_cast<DWORD>(wholeMs < kLongestMs ? wholeMs : kLongestMs);
-    // Whoever will wake us has this function's address at hand then, and does not ask the loader while we hold its
-    // lock.
-    Find(g_functions.wakeOne, "WakeByAddressSingle");
-    Find(g_functions.wakeAll, "WakeByAddressAll");
     const WaitFunction wait = Find(g_functions.wait, "WaitOnAddress");
     if (wait == nullptr)
     {

@@ -10,6 +10,10 @@ bool OnceFlag::Begin() noexcept
     uint32_t state = m_state.load(std::memory_order_acquire);
     while (state != kDone)
     {
+        if (state != kUntouched)
+        {
+            detail::FutexPrepare();
+        }
         const uint32_t next = state == kUntouched ? kRunning : kAwaited;
         if (!m_state.compare_exchange_weak(state, next, std::memory_order_acquire))
         {

@@ -9,10 +9,11 @@ namespace tsypr
 FileResult LoadDictionary(const char* path,
                           Dictionary& out,
                           std::vector<size_t>* damagedLines,
-                          size_t* damagedCount) noexcept
+                          size_t* damagedCount,
+                          const RetryPolicy& retry) noexcept
 {
     std::string text;
-    const FileResult result = ReadFileContents(path, kMaxKeyValueFileBytes, text);
+    const FileResult result = ReadFileContents(path, kMaxKeyValueFileBytes, text, retry);
     const size_t damaged = out.Load(text, damagedLines);
     if (damagedCount != nullptr)
     {

@@ -3,6 +3,7 @@
 #define TESSARY_LIB_STRING_DICTIONARY_FILE_H
 
 #include "lib/file/file_result.h"
+#include "lib/file/retry_policy.h"
 #include "lib/string/dictionary.h"
 
 namespace tsypr
@@ -16,7 +17,8 @@ inline constexpr size_t kMaxKeyValueFileBytes = 1024 * 1024;
 FileResult LoadDictionary(const char* path,
                           Dictionary& out,
                           std::vector<size_t>* damagedLines = nullptr,
-                          size_t* damagedCount = nullptr) noexcept;
+                          size_t* damagedCount = nullptr,
+                          const RetryPolicy& retry = {}) noexcept;
 
 // Makes the dictionary what the file holds, in one step: a reader sees the old or the new file whole. Its folder must
 // be there. FileError::InvalidArgument also for a key that cannot be written.

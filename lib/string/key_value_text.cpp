@@ -19,16 +19,6 @@ std::string_view Trim(std::string_view text) noexcept
                                            : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-bool IsUtf8(std::string_view text) noexcept
-{
-    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
-    {
-        return true;
-    }
-    Utf16String converted;
-    return CodeSet_Utf8ToUtf16(text, converted);
-}
-
 bool IsControl(char c) noexcept
 {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
@@ -222,18 +212,20 @@ LineKind KeyValueReader::ParseLine(std::string_view line)
     m_key = Trim(line.substr(0, equals));
     m_quoted = Trim(line.substr(equals + 1));
     const bool whole = IsWritableKey(m_key) && Unquote(m_quoted, m_value);
-    return whole && line.find('\0') == std::string_view::npos && IsUtf8(line) ? LineKind::Setting : LineKind::Damaged;
+    return whole && line.find('\0') == std::string_view::npos && CodeSet_IsUtf8(line) ? LineKind::Setting
+                                                                                      : LineKind::Damaged;
 }
 
 bool IsWritableKey(std::string_view key) noexcept
 {
     return !key.empty() && Trim(key).size() == key.size() && key.front() != '#' && !key.starts_with(kByteOrderMark) &&
-           key.find('=') == std::string_view::npos && std::none_of(key.begin(), key.end(), IsControl) && IsUtf8(key);
+           key.find('=') == std::string_view::npos && std::none_of(key.begin(), key.end(), IsControl) &&
+           CodeSet_IsUtf8(key);
 }
 
 void AppendQuotedValue(std::string& out, std::string_view value)
 {
-    const bool utf8 = IsUtf8(value);
+    const bool utf8 = CodeSet_IsUtf8(value);
     out.push_back('"');
     for (size_t i = 0; i < value.size(); ++i)
     {

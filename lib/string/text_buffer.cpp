@@ -101,7 +101,11 @@ void TextBuffer::AppendFill(char filler, size_t count) noexcept
 
 void TextBuffer::Truncate(size_t size) noexcept
 {
-    m_size = std::min(m_size, size);
+    if (size < m_size)
+    {
+        m_size = size;
+        m_cut = false; // what follows no longer stands behind a gap
+    }
 }
 
 } // namespace tsypr

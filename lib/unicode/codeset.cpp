@@ -5,6 +5,25 @@
 namespace tsypr
 {
 
+bool CodeSet_IsUtf8(std::string_view text) noexcept
+{
+    const char* from = text.data();
+    const char* const end = from + text.size();
+    uint32_t codePoint = 0;
+    while (from != end)
+    {
+        if (static_cast<signed char>(*from) >= 0)
+        {
+            ++from;
+        }
+        else if (!utf::TakeUtf8(from, end, codePoint))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool CodeSet_Utf8ToUtf16(std::string_view text, Utf16String& out) noexcept
 {
     return CodeSet_Utf8ToUtf16(text, out, CodeSetMode::Strict).Ok();

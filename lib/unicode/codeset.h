@@ -18,6 +18,9 @@ namespace tsypr
 using Utf16String = std::basic_string<Utf16Unit>;
 using Utf16View = std::basic_string_view<Utf16Unit>;
 
+// Whether the text is well-formed UTF-8. Allocates nothing.
+bool CodeSet_IsUtf8(std::string_view text) noexcept;
+
 // Converts UTF-8 into `out`. Returns false, with `out` empty, when the text is not well-formed or memory runs out.
 bool CodeSet_Utf8ToUtf16(std::string_view text, Utf16String& out) noexcept;
 

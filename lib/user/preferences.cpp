@@ -49,9 +49,11 @@ FileResult AddFile(PreferenceScope scope, Dictionary& out, PreferenceReport& rep
     {
         return {};
     }
+    // The first question may come while a library is attached, where nobody may be kept waiting.
+    constexpr RetryPolicy kBrief{1, 10, 50};
     std::vector<size_t> lines;
     size_t count = 0;
-    const FileResult result = LoadDictionary(path.c_str(), out, &lines, &count);
+    const FileResult result = LoadDictionary(path.c_str(), out, &lines, &count, kBrief);
     report.damagedCount += count;
     for (const size_t line : lines)
     {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <set>
 #include <utility>
 
 #include "service/ticket/keywords.h"
@@ -142,7 +143,9 @@ private:
                                                              std::ranges::any_of(candidate.features, isThis);
                                                   });
         const bool isLacking = setting == m_model.settings.end();
-        Resolve(isLacking || parentElement.FindChild(Psf("Feature"), *name) != &element);
+        // One conflict is enough: among many features the search for a second one takes its time.
+        Resolve(isLacking ||
+                (!m_state.isConflictResolved && parentElement.FindChild(Psf("Feature"), *name) != &element));
         if (!isLacking)
         {
             CheckNoOthers(element, static_cast<std::size_t>(setting - m_model.settings.begin()));
@@ -207,11 +210,12 @@ private:
     std::vector<XmlElement> KeptProperties(const XmlElement& parent) const
     {
         std::vector<XmlElement> kept;
+        std::set<std::pair<std::string, std::string>> seen;
         for (const XmlElement& child : parent.children)
         {
             const std::optional<QName> name = child.Name();
-            const auto isSame = [&](const XmlElement& earlier) { return earlier.Name() == name; };
-            if (child.tag == Psf("Property") && name && IsReported(*name) && std::ranges::none_of(kept, isSame))
+            if (child.tag == Psf("Property") && name && IsReported(*name) &&
+                seen.emplace(name->uri, name->local).second)
             {
                 kept.push_back(KeptProperty(child));
             }
@@ -239,6 +243,10 @@ private:
     {
         XmlElement kept{value.tag, {}, {}, {}, value.text, value.qualifiedText};
         const XmlAttribute* type = value.FindAttribute(TypeAttribute());
+        if (type == nullptr || type->qualified != Xsd("QName"))
+        {
+            kept.qualifiedText.reset(); // it only looks like a name
+        }
         if (type != nullptr && type->qualified && type->qualified->uri == kTypesUri)
         {
             kept.attributes.push_back(*type);

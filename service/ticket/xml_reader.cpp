@@ -72,7 +72,7 @@ public:
                                        { Run(self, [](TreeBuilder& builder) { builder.m_scope.pop_back(); }); });
         XML_SetStartDoctypeDeclHandler(parser,
                                        [](void* self, const XML_Char*, const XML_Char*, const XML_Char*, int)
-                                       { XML_StopParser(static_cast<TreeBuilder*>(self)->m_parser, XML_FALSE); });
+                                       { static_cast<TreeBuilder*>(self)->Stop(); });
     }
     TreeBuilder(const TreeBuilder&) = delete;
     TreeBuilder& operator=(const TreeBuilder&) = delete;
@@ -96,6 +96,10 @@ private:
     static void Run(void* self, Report&& report) noexcept
     {
         auto& builder = *static_cast<TreeBuilder*>(self);
+        if (builder.m_isStopped)
+        {
+            return; // the end of an empty element is reported all the same
+        }
         try
         {
             report(builder);
@@ -103,12 +107,23 @@ private:
         catch (...)
         {
             builder.m_failure = std::current_exception();
-            XML_StopParser(builder.m_parser, XML_FALSE);
+            builder.Stop();
         }
+    }
+
+    void Stop() noexcept
+    {
+        m_isStopped = true;
+        XML_StopParser(m_parser, XML_FALSE);
     }
 
     void Declare(const XML_Char* prefix, const XML_Char* uri)
     {
+        if (m_scope.size() >= kMostXmlDeclarations)
+        {
+            Stop();
+            return;
+        }
         m_scope.push_back({prefix == nullptr ? "" : prefix, uri == nullptr ? "" : uri});
         ++m_newDeclarations;
     }
@@ -117,7 +132,7 @@ private:
     {
         if (m_open.size() >= kDeepestXml || ++m_count > kMostXmlElements)
         {
-            XML_StopParser(m_parser, XML_FALSE);
+            Stop();
             return;
         }
         XmlElement element;
@@ -171,6 +186,7 @@ private:
     std::vector<XmlDeclaration> m_scope;
     std::ptrdiff_t m_newDeclarations = 0;
     std::size_t m_count = 0;
+    bool m_isStopped = false;
     std::exception_ptr m_failure;
 };
 

@@ -15,6 +15,7 @@ namespace tsypr::service
 inline constexpr std::size_t kLargestXml = 4 * 1024 * 1024;
 inline constexpr std::size_t kMostXmlElements = 50'000;
 inline constexpr std::size_t kDeepestXml = 64;
+inline constexpr std::size_t kMostXmlDeclarations = 256; // of namespaces, in force at one place
 
 // Reads a document in UTF-8 or UTF-16, or in another encoding that it declares and the parser knows. Nothing when it is
 // not well-formed with regard to namespaces, has a document type declaration, or exceeds a limit. Throws

@@ -22,12 +22,23 @@ BSTR WINAPI NewText(const OLECHAR* text, UINT length)
     return gate != nullptr ? s_real(text, length) : nullptr;
 }
 
+bool g_noLocalMemory = false;
+
+HLOCAL WINAPI NewLocal(UINT flags, SIZE_T size)
+{
+    static const auto s_real = reinterpret_cast<decltype(&LocalAlloc)>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LocalAlloc")));
+    return g_noLocalMemory ? nullptr : s_real(flags, size);
+}
+
 } // namespace
 } // namespace tsypr::test
 
-// The program's only way to the system's function.
+// The program's only way to the system's functions.
 extern "C" decltype(&SysAllocStringLen) __imp_SysAllocStringLen;
 decltype(&SysAllocStringLen) __imp_SysAllocStringLen = tsypr::test::NewText;
+extern "C" decltype(&LocalAlloc) __imp_LocalAlloc;
+decltype(&LocalAlloc) __imp_LocalAlloc = tsypr::test::NewLocal;
 
 namespace tsypr::test
 {
@@ -92,6 +103,21 @@ TEST_F(Lifetime, NothingIsKeptOverTenThousandConversions)
     convert(2500);
     EXPECT_NEAR(static_cast<double>(before), static_cast<double>(BusyBlocks()), 20);
     EXPECT_EQ(1U, References(ticket.Get()));
+}
+
+TEST_F(Lifetime, NoMemoryForTheDeviceMode)
+{
+    service.notesCalls = true;
+    ULONG bytes = 0;
+    DEVMODEW untouched = {};
+    DEVMODEW* out = &untouched;
+    g_noLocalMemory = true;
+    EXPECT_EQ(E_OUTOFMEMORY, provider->ConvertPrintTicketToDevMode(nullptr, 0, nullptr, &bytes, &out));
+    g_noLocalMemory = false;
+    EXPECT_EQ(service.ptReplies[kPT2DM].data->size(), bytes);
+    EXPECT_EQ(&untouched, out);
+    EXPECT_EQ("open query PT2DM freeDevMode close", Calls());
+    EXPECT_EQ(Messages{"error PTProvider::ConvertPrintTicketToDevMode, failed to allocate DEVMODE"}, log.TakeErrors());
 }
 
 TEST_F(Lifetime, ThreadsConvertWithObjectsOfTheirOwn)

@@ -103,6 +103,10 @@ TEST_F(ToTicket, OnlyWhatIsSetIsWritten)
     nup[0] = L"16";
     nup[1] = L"psk:LeftTop";
     EXPECT_EQ(nup, Convert(noMedia.Get()));
+    Texts nothing = asItCame;
+    nothing[0] = L"0";
+    nothing[1] = L"";
+    EXPECT_EQ(nothing, Convert(nullptr)); // the carried bits count, and there is nothing to write
     EXPECT_EQ(uint64_t{kFeatureNup}, CarriedPrivateSettings.featureBitmap);
     EXPECT_EQ(plain, Convert(foreign.Get())); // has nothing to carry
     EXPECT_EQ(uint64_t{kFeatureNup}, CarriedPrivateSettings.featureBitmap);
@@ -192,6 +196,13 @@ TEST_F(ToTicket, Capabilities)
         EXPECT_EQ(kConflictResolved, provider->GetPrintCapabilities(in, capabilities.GetAddressOf()));
         EXPECT_EQ(in != nullptr, service.ptInputs[kPT2PC].has_value());
         EXPECT_EQ(1U, References(capabilities.Get()));
+        VARIANT_BOOL async = VARIANT_TRUE;
+        VARIANT_BOOL externals = VARIANT_TRUE;
+        VARIANT_BOOL validates = VARIANT_TRUE;
+        capabilities->get_async(&async);
+        capabilities->get_resolveExternals(&externals);
+        capabilities->get_validateOnParse(&validates);
+        EXPECT_TRUE(async == VARIANT_FALSE && externals == VARIANT_FALSE && validates == VARIANT_FALSE);
         EXPECT_EQ((Texts{L"psk:PageScaling", L"psk:PageMediaType"}), Find(capabilities.Get(), L"//psf:Feature/@name"));
         EXPECT_EQ(Texts{L"psk:Other"}, Find(capabilities.Get(), L"//psf:ParameterDef/@name"));
         EXPECT_EQ("open query PT2PC freePT close", Calls());

@@ -157,7 +157,7 @@ TEST(TicketValidation, KeepsPropertiesOfNamespacesThatThePrinterKnows)
                               "</psf:Option></psf:Feature>";
     const std::string imperfect = "<psf:Feature name='psk:PageMediaType'><psf:Option name='psk:Plain'>" +
                                   Scored("Weight", "80") + property("psk:Future", "1") + "</psf:Option></psf:Feature>";
-    const std::string ticket = Ticket(property("v:Account", "x:y") + property("psk:JobName", "Report") + named +
+    const std::string ticket = Ticket(property("v:Account", "x:y") + property("psk:JobName", "v:Report") + named +
                                       imperfect + "<psf:Property xmlns:e='http://else.example' name='e:Other'/>");
     for (const std::string& input : {ticket, Reprefixed(ticket)})
     {
@@ -165,7 +165,7 @@ TEST(TicketValidation, KeepsPropertiesOfNamespacesThatThePrinterKnows)
         EXPECT_EQ(answer.result, kNoConflict);
         const XmlElement root = Root(Text(answer));
         EXPECT_EQ(PropertyText(root, {"http://vendor.example/ns", "Account"}), "x:y");
-        EXPECT_EQ(PropertyText(root, Psk("JobName")), "Report");
+        EXPECT_EQ(PropertyText(root, Psk("JobName")), "v:Report");
         EXPECT_EQ(PropertyText(root, {"http://else.example", "Other"}), "-");
         const XmlElement* orientation = root.FindChild(Psf("Feature"), Psk("PageOrientation"));
         EXPECT_EQ(PropertyText(*orientation, Psf("SelectionType")), "PickOne");

@@ -121,6 +121,7 @@ TEST_F(Tickets, CarryWhatTheDriverAdds)
     const Json from = QueryJson({L"ticket", L"from-devmode", L"Studio Color", L"--in", File(L"in.bin")});
     EXPECT_EQ(from.at("changes"), Json::array());
     const std::string ticket = from.at("ticket");
+    EXPECT_EQ(test::CheckPrintSchema(ticket, PrintSchemaKind::Ticket), std::vector<std::string>());
     for (const char* text : {"ns0000:Tray2", "psk:CardStock", "psk:StapleDualLeft", "psk:TopEdge", "psk:BottomRight"})
     {
         EXPECT_NE(ticket.find(text), std::string::npos) << text;
@@ -137,6 +138,8 @@ TEST_F(Tickets, AreCorrectedWhereThePrinterLacksSomething)
                   "</psf:PrintTicket>");
     const Json validated = QueryJson({L"ticket", L"validate", L"Office Laser", File(L"ticket.xml")});
     EXPECT_EQ(validated.at("conflictResolved"), true);
+    EXPECT_EQ(test::CheckPrintSchema(validated.at("ticket").get<std::string>(), PrintSchemaKind::Ticket),
+              std::vector<std::string>());
     const Json color = {{"setting", "psk:PageOutputColor"}, {"before", "psk:Color"}, {"after", "psk:Monochrome"}};
     const Json staple = {{"setting", "psk:JobStapleAllDocuments"}, {"before", "psk:StapleTopLeft"}, {"after", nullptr}};
     const Json& changes = validated.at("changes");

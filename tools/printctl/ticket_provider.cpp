@@ -1,5 +1,6 @@
 #include "tools/printctl/ticket_provider.h"
 
+#include "remote/private_devmode.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
 #include "tools/printctl/text.h"
@@ -169,7 +170,7 @@ DevModeBuffer TicketProvider::ToDevMode(const std::string& ticket, bool& isConfl
     const std::unique_ptr<DEVMODEW, LocalFreer> owner(output);
     const std::string call = CallName("ConvertPrintTicketToDevMode");
     Check(result, call);
-    if (output == nullptr || size < sizeof(DEVMODEW))
+    if (output == nullptr || size < sizeof(DEVMODEW) || size < DevModeTotalSize(output))
     {
         throw Failure(ExitCode::System, call + " gave no device mode");
     }
