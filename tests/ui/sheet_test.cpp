@@ -350,12 +350,12 @@ TEST_F(Sheet, AsksTheServiceNoMoreThanItMust)
     EXPECT_LT(own, 1000);
 }
 
-// The pages are made on every tenth opening, which takes most of the time, or on each with TESSARY_SHOW_ALWAYS.
+// The pages are made on every 25th opening, which takes most of the time, or on each with TESSARY_SHOW_ALWAYS.
 TEST_F(Sheet, OpensManyTimesWithoutGrowth)
 {
     service.notesCalls = false;
     LogStop();
-    const int showEvery = std::getenv("TESSARY_SHOW_ALWAYS") != nullptr ? 1 : 10;
+    const int showEvery = std::getenv("TESSARY_SHOW_ALWAYS") != nullptr ? 1 : 25;
     const auto open = [&](int times)
     {
         for (int i = 0; i < times; ++i)
@@ -370,8 +370,8 @@ TEST_F(Sheet, OpensManyTimesWithoutGrowth)
         }
         return std::pair(LiveAllocations(), BusyBlocks());
     };
-    open(11);
-    const auto [live, blocks] = open(11);
+    open(26);
+    const auto [live, blocks] = open(26);
     const auto [liveLater, blocksLater] = open(500);
     EXPECT_EQ(live, liveLater);
     EXPECT_LT(blocksLater, blocks + 50);
