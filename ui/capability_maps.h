@@ -21,37 +21,19 @@ class CapabilityMap
 public:
     void Store(const std::wstring& printerName, Capability capability)
     {
-        const Guard guard(m_lock);
+        const ScopedLock guard(m_lock);
         m_entries[printerName] = std::move(capability);
     }
 
     // Empty when the printer has no entry.
     std::optional<Capability> Find(const std::wstring& printerName)
     {
-        const Guard guard(m_lock);
+        const ScopedLock guard(m_lock);
         const auto entry = m_entries.find(printerName);
         return entry != m_entries.end() ? std::optional<Capability>(entry->second) : std::nullopt;
     }
 
 private:
-    class Guard
-    {
-    public:
-        explicit Guard(ExclusiveLock& lock) noexcept : m_lock(lock)
-        {
-            m_lock.Acquire();
-        }
-        ~Guard()
-        {
-            m_lock.Release();
-        }
-        Guard(const Guard&) = delete;
-        Guard& operator=(const Guard&) = delete;
-
-    private:
-        ExclusiveLock& m_lock;
-    };
-
     ExclusiveLock m_lock;
     std::map<std::wstring, Capability> m_entries;
 };

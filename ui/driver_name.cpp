@@ -9,49 +9,27 @@ namespace tsypr
 namespace
 {
 
-// Two sheets may be open in one process.
-class NameGuard
-{
-public:
-    NameGuard() noexcept
-    {
-        s_lock.Acquire();
-    }
-    ~NameGuard()
-    {
-        s_lock.Release();
-    }
-    NameGuard(const NameGuard&) = delete;
-    NameGuard& operator=(const NameGuard&) = delete;
-
-    std::wstring& Name() noexcept
-    {
-        return s_name;
-    }
-
-private:
-    inline static ExclusiveLock s_lock;
-    inline static std::wstring s_name;
-};
+ExclusiveLock g_lock; // two sheets may be open in one process
+std::wstring g_name;
 
 } // namespace
 
 void SetCurrentDriverName(std::wstring name) noexcept
 {
-    NameGuard guard;
-    guard.Name() = std::move(name);
+    const ScopedLock guard(g_lock);
+    g_name = std::move(name);
 }
 
 std::wstring CurrentDriverName()
 {
-    NameGuard guard;
-    return guard.Name();
+    const ScopedLock guard(g_lock);
+    return g_name;
 }
 
 bool IsOwnDriver() noexcept
 {
-    NameGuard guard;
-    return guard.Name() == kOwnDriverName;
+    const ScopedLock guard(g_lock);
+    return g_name == kOwnDriverName;
 }
 
 } // namespace tsypr

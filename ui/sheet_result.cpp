@@ -85,13 +85,13 @@ void WriteCopies(DEVMODEW* dm, DEVMODEW* in, const UIContext& context) noexcept
     if (in != nullptr)
     {
         PrintUtils::DumpDevMode(in, L"UI_REASON_SET_RESULT, dmIn:");
-        if (HasField(in, DM_COPIES))
+        if (HasField(in, DM_COPIES) && DevModeHolds(in, &DEVMODEW::dmCopies))
         {
-            StoreAndSet(dm, DM_COPIES, &DEVMODEW::dmCopies, DevModeField(in, &DEVMODEW::dmCopies));
+            StoreAndSet(dm, DM_COPIES, &DEVMODEW::dmCopies, in->dmCopies);
         }
-        if (HasField(in, DM_COLLATE))
+        if (HasField(in, DM_COLLATE) && DevModeHolds(in, &DEVMODEW::dmCollate))
         {
-            StoreAndSet(dm, DM_COLLATE, &DEVMODEW::dmCollate, DevModeField(in, &DEVMODEW::dmCollate));
+            StoreAndSet(dm, DM_COLLATE, &DEVMODEW::dmCollate, in->dmCollate);
         }
     }
     StoreAndSet(dm, DM_COPIES, &DEVMODEW::dmCopies, context.copies);

@@ -18,21 +18,10 @@ protected:
         InitCommonControls();
     }
 
-    static void SetDword(HKEY root, const wchar_t* key, const wchar_t* name, DWORD value)
-    {
-        SetBytes(root, key, name, REG_DWORD, &value, sizeof(value));
-    }
     void OpenPage()
     {
         log.Take();
         Open(IDD_ADVANCED, AdvancedProc);
-    }
-    // Errors but those of policies that are not set.
-    Messages Errors()
-    {
-        Messages errors = log.TakeErrors();
-        std::erase_if(errors, [](const std::string& line) { return line.starts_with("error RegUtils::"); });
-        return errors;
     }
     std::string Copies() const
     {
@@ -74,7 +63,7 @@ TEST_F(AdvancedPage, OffersAsManyCopiesAsThePrinterMakes)
         EXPECT_EQ(static_cast<LRESULT>(one.range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
         EXPECT_EQ(one.text, Copies());
         EXPECT_EQ(std::max<int>(one.copies, 1), context.copies);
-        EXPECT_EQ(one.errors, Errors());
+        EXPECT_EQ(one.errors, Lines("error"));
     }
     EXPECT_EQ(3, Send(IDC_COPIES, EM_GETLIMITTEXT));
     EXPECT_EQ(LogoBitmap, reinterpret_cast<HBITMAP>(Send(IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP)));
@@ -120,12 +109,12 @@ TEST_F(AdvancedPage, OffersThePrintTarget)
     {
         SCOPED_TRACE(&one - cases);
         SetCurrentDriverName(one.driver);
-        SetDword(HKEY_LOCAL_MACHINE, kPolicyKeyW, L"DisablePrintChoice", one.lock);
-        SetDword(HKEY_LOCAL_MACHINE, kPolicyKeyW, L"DefaultChoice", one.policy);
+        SetMachine(kPolicyKeyW, L"DisablePrintChoice", one.lock);
+        SetMachine(kPolicyKeyW, L"DefaultChoice", one.policy);
         RegDeleteKeyValueW(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice");
         if (one.user)
         {
-            SetDword(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice", *one.user);
+            SetBytes(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice", REG_DWORD, &*one.user, sizeof(DWORD));
         }
         dm.Private().featureBitmap = one.features;
         dm.Private().isShowPreDlg = one.preDialog;
@@ -134,16 +123,12 @@ TEST_F(AdvancedPage, OffersThePrintTarget)
         EXPECT_TRUE(Buttons().starts_with(std::string(one.buttons) + ", ")) << Buttons();
         EXPECT_EQ(one.choice, context.printChoice);
         EXPECT_EQ(one.choice, dm.Private().printTargetChoice);
-        EXPECT_EQ(Messages{}, Errors());
+        EXPECT_EQ(Messages{}, Lines("error"));
     }
-    Messages lines = log.Take();
     OpenPage();
-    lines = log.Take();
-    EXPECT_EQ(1,
-              std::count(lines.begin(),
-                         lines.end(),
-                         "verbose ShowPrintChoice, print choice is disabled and the default is 1 "
-                         "driverName=tessary universal emf driver."));
+    EXPECT_EQ(Messages{"verbose ShowPrintChoice, print choice is disabled and the default is 1 "
+                       "driverName=tessary universal emf driver."},
+              Lines("driverName"));
 }
 
 TEST_F(AdvancedPage, TakesTheUsersChoices)

@@ -76,24 +76,5 @@ TEST_F(FinishingPage, HasNothingToOfferWhereThePrinterHasNot)
     }
 }
 
-// A language library that lacks the texts, and none at all.
-TEST_F(FinishingPage, FallsBackToBuiltInTexts)
-{
-    FinishingCapability capability;
-    for (const KeywordName& staple : kStaples)
-    {
-        capability.staples.emplace_back(staple.keyword);
-    }
-    FinishingCapabilities.Store(L"Office Laser", capability);
-    OpenPage();
-    const std::string english = List(IDC_STAPLE);
-    for (const HMODULE library : {GetModuleHandleW(nullptr), static_cast<HMODULE>(nullptr)})
-    {
-        ResourceModule = library;
-        SendMessageW(dialog, WM_INITDIALOG, 0, reinterpret_cast<LPARAM>(&page));
-        EXPECT_EQ(english, List(IDC_STAPLE));
-    }
-}
-
 } // namespace
 } // namespace tsypr::test

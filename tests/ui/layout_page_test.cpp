@@ -56,8 +56,7 @@ TEST_F(LayoutPage, OffersOrientation)
     service.opens = false;
     log.Take();
     OpenPage();
-    const std::string error = "error DrvDeviceCapabilities, failed to open remote printer Office Laser.";
-    EXPECT_EQ((Messages{error, error}), log.TakeErrors());
+    EXPECT_EQ(Messages(2, "error DrvDeviceCapabilities, failed to open remote printer Office Laser."), Lines("error"));
     EXPECT_EQ("Portrait|>Landscape", List(IDC_ORIENTATION));
     Choose(IDC_ORIENTATION, 0);
     EXPECT_EQ(DMORIENT_PORTRAIT, context.orientation);
@@ -132,7 +131,7 @@ TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
         NupCapability capability;
         const char* pages;
         const char* order;
-        const char* message;
+        Messages message;
         uint32_t applied;
     };
     const Case cases[] = {
@@ -141,15 +140,14 @@ TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
          {},
          "x ",
          "x ",
-         "verbose PopulateNup, printer \"Office Laser\" or client version doesn't support N-up",
+         {"verbose PopulateNup, printer \"Office Laser\" or client version doesn't support N-up"},
          1},
-        {true, L"Else", {}, "x ", "x ", "error PopulateNup, no Nup capabilities data for \"Else\".", 1},
-        {true, L"Office Laser", {{}, {L"psk:TopLeft"}}, "x ", "x ", "", 1},
-        {true, L"Office Laser", {{L"2", L"8"}, {}}, ">2|8", "x ", "", 2},
+        {true, L"Else", {}, "x ", "x ", {"error PopulateNup, no Nup capabilities data for \"Else\"."}, 1},
+        {true, L"Office Laser", {{}, {L"psk:TopLeft"}}, "x ", "x ", {}, 1},
+        {true, L"Office Laser", {{L"2", L"8"}, {}}, ">2|8", "x ", {}, 2},
     };
     for (const Case& one : cases)
     {
-        SCOPED_TRACE(one.message);
         dm.Private().featureBitmap = one.feature ? kEveryFeature : 0;
         NupCapabilities.Store(L"Office Laser", one.capability);
         wcscpy(context.printerName, one.printer);
@@ -158,8 +156,7 @@ TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
         EXPECT_EQ(one.pages, List(IDC_PAGES_PER_SHEET));
         EXPECT_EQ(one.order, List(IDC_PAGE_ORDER));
         EXPECT_EQ(-1, context.nupDirectionIndex);
-        const Messages messages = log.Take();
-        EXPECT_TRUE(*one.message == '\0' || std::count(messages.begin(), messages.end(), one.message) == 1);
+        EXPECT_EQ(one.message, Lines("Nup, "));
         Notify(PSN_APPLY);
         EXPECT_EQ(one.applied, context.pagesPerSheet);
     }

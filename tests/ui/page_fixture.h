@@ -54,6 +54,26 @@ inline CapabilityReply Answer(int32_t result)
     return {result, std::nullopt};
 }
 
+// Numbers as one text: Values() << 1 << 2 is "1 2".
+struct Values
+{
+    template <typename Number>
+    Values& operator<<(Number number)
+    {
+        text += (text.empty() ? "" : " ") + std::to_string(number);
+        return *this;
+    }
+    friend bool operator==(const char* expected, const Values& values)
+    {
+        return values.text == expected;
+    }
+    friend void PrintTo(const Values& values, std::ostream* out)
+    {
+        *out << values.text;
+    }
+    std::string text;
+};
+
 class PageTest : public RemoteTest
 {
 protected:
@@ -73,6 +93,20 @@ protected:
     {
         Close();
         RegDeleteKeyValueW(HKEY_CURRENT_USER, kDriverKeyW, L"DefaultChoice");
+    }
+
+    static void SetMachine(const wchar_t* key, const wchar_t* name, DWORD value)
+    {
+        SetBytes(HKEY_LOCAL_MACHINE, key, name, REG_DWORD, &value, sizeof(value));
+    }
+    // The log's lines since the last time that hold the text; without the complaints about policies that are not set.
+    Messages Lines(const std::string& text)
+    {
+        Messages lines = log.Take();
+        std::erase_if(lines,
+                      [&](const std::string& line)
+                      { return line.find(text) == std::string::npos || line.starts_with("error RegUtils::"); });
+        return lines;
     }
 
     // Loads the context from the device mode, without asking the printer for its options.

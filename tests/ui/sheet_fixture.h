@@ -107,7 +107,7 @@ public:
     PROPSHEETUI_INFO info = {};
     std::vector<Page> pages;
     std::vector<int> refused; // templates of pages that are not taken
-    int results = 0;
+    size_t results = 0;
 
 private:
     static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
