@@ -56,6 +56,8 @@ void Run(const Options& options)
     {
         language.emplace(DriverOf(printer, name).configFile, options.language);
     }
+    // Without it Windows would enlarge the dialog's pixels where the screen has more than 96 in an inch.
+    SetProcessDpiAwarenessContext(DPI_AWARENESS_CONTEXT_SYSTEM_AWARE);
     const DevModeBuffer before = DefaultDevMode(printer, name);
     // A driver may write to the settings that it is given.
     DevModeBuffer input = before;

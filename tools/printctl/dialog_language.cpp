@@ -111,7 +111,7 @@ void RemoveOldFolders()
 // A folder with the library under the name of each.
 fs::path MakeFolder(const LanguageFiles& languages, const fs::path& file)
 {
-    const fs::path folder =
+    fs::path folder =
         fs::temp_directory_path() / (std::wstring(kFolderPrefix) + std::to_wstring(GetCurrentProcessId()));
     RemoveOldFolders();
     std::error_code error;
