@@ -99,6 +99,7 @@ grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyD
 
 # From here on the prefix has a display, whose pixels can be seen from outside a program, and our property sheets.
 open_display() {
+  rm -f -- "$job/display"
   Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$job/display" >"$logs/demo-display.log" 2>&1 &
   display_server=$!
   # It says which display it is when it is ready.
@@ -151,8 +152,11 @@ mogrify-im6.q16 -format png "$job"/*.bmp
 rm -f -- "$job"/*.bmp
 echo
 echo "Pictures of the pages:"
-printf '  %s\n' "$job"/*.png
+pictures=("$job"/*.png)
+printf '  %s\n' "${pictures[@]}"
 
 heading "What was seen"
 log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"
+echo "The user's choices on five pages reached the application that had opened the printing preferences, and Cancel kept"
+echo "everything as it was. ${#pictures[@]} pictures of the pages are in build/demo/."
