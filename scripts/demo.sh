@@ -138,7 +138,7 @@ preferences_user \
   press=1 &
 show_printctl preferences "$printer" --out "$job/preferences.bin" | tee "$job/preferences.txt"
 wait $! || die "the user could not do what was wanted"
-for choice in 'horizontal' 'pagesPerSheet *1 *4' "$media_name" 'psk:StapleTopLeft' 'psk:LeftEdge' 'Confidential'; do
+for choice in 'horizontal' 'pagesPerSheet *1 *4' 'compression *0 *2' "$media_name" 'psk:StapleTopLeft' 'psk:LeftEdge' 'Confidential'; do
   grep -q -- "$choice" "$job/preferences.txt" || die "the application did not get $choice"
 done
 
@@ -147,6 +147,7 @@ preferences_user page=1 "picture=$job/6-layout-german.bmp" press=2 &
 status=0
 show_printctl preferences "$printer" --language de-de || status=$?
 wait $! || die "the user could not do what was wanted"
+[ "$status" -eq 5 ] || die "a cancelled dialog ended with $status"
 echo "printctl ended with $status."
 mogrify-im6.q16 -format png "$job"/*.bmp
 rm -f -- "$job"/*.bmp
@@ -158,5 +159,5 @@ printf '  %s\n' "${pictures[@]}"
 heading "What was seen"
 log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"
-echo "The user's choices on five pages reached the application that had opened the printing preferences, and Cancel kept"
-echo "everything as it was. ${#pictures[@]} pictures of the pages are in build/demo/."
+echo "The user's choices on five pages reached the application that had opened the printing preferences, and Cancel was"
+echo "told from OK. ${#pictures[@]} pictures of the pages are in build/demo/."
