@@ -127,7 +127,8 @@ preferences_user() {
 heading "A user changes the printing preferences"
 open_display
 # Media types are offered once an administrator says so.
-scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v EnableMediaTypeOnUPD /t REG_DWORD /d 1 /f >/dev/null
+scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v EnableMediaTypeOnUPD /t REG_DWORD /d 1 \
+  /f >/dev/null
 rm -f -- "$job"/*.png
 preferences_user \
   page=1 choose=1028:"Flip On Short Edge" choose=1042:4 "picture=$job/1-layout.bmp" \
@@ -138,7 +139,8 @@ preferences_user \
   press=1 &
 show_printctl preferences "$printer" --out "$job/preferences.bin" | tee "$job/preferences.txt"
 wait $! || die "the user could not do what was wanted"
-for choice in 'horizontal' 'pagesPerSheet *1 *4' 'compression *0 *2' "$media_name" 'psk:StapleTopLeft' 'psk:LeftEdge' 'Confidential'; do
+for choice in 'horizontal' 'pagesPerSheet *1 *4' 'compression *0 *2' "$media_name" \
+  'psk:StapleTopLeft' 'psk:LeftEdge' 'Confidential'; do
   grep -q -- "$choice" "$job/preferences.txt" || die "the application did not get $choice"
 done
 
