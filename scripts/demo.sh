@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Shows the driver module at work, from nothing: builds it, imports a real printer, installs driver and printers in a
-# new Wine prefix, asks Windows' printing functions about them, and converts print tickets.
+# new Wine prefix, asks Windows' printing functions about them, converts print tickets, and lets a
+# user (a program) change the printing preferences in the dialog, of which it takes pictures.
 # shellcheck source-path=SCRIPTDIR
 source "$(dirname -- "$0")/lib.sh"
 [ $# -eq 0 ] || die "takes no arguments"
@@ -27,18 +28,25 @@ printctl() {
 heading "Set-up and build"
 bash scripts/setup.sh
 bash scripts/build.sh native-tests -- imported_printers
-bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_libraries tsydomrepair
+bash scripts/build.sh mingw-release -- printctl tsyprui tsyprserverapi language_libraries tsydomrepair compstui \
+  preferences_user
 
 heading "The printers"
 # The imported printer, and the same one with an administrator's lock on two-sided printing.
 mapfile -t names < <(python3 scripts/demo_printers.py "$build/native-tests/printers" "$build/demo/printers")
 printer=${names[0]} locked=${names[1]} unlike_duplex=${names[2]} unlike_paper=${names[3]} media=${names[4]}
+media_name=${names[5]}
 echo "\"$printer\" is a real printer, imported from the description that its maker publishes."
 echo "\"$locked\" is the same printer with two-sided printing locked."
 
 prefix="$prefixes/demo"
 fresh_prefix demo
-trap 'stop_wineserver "$prefix"' EXIT
+display_server=
+end() {
+  stop_wineserver "$prefix"
+  [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
+}
+trap end EXIT
 start_wineserver "$prefix"
 repair_documents "$prefix" mingw-release
 export TESSARY_PREFIX=$prefix
@@ -89,6 +97,69 @@ echo "and of the merge it says, among other things (dmIn is what the application
 echo
 grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyDM" "$log" | sed -n '/dmIn:/,$p'
 
+# From here on the prefix has a display, whose pixels can be seen from outside a program, and our property sheets.
+open_display() {
+  rm -f -- "$job/display"
+  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$job/display" >"$logs/demo-display.log" 2>&1 &
+  display_server=$!
+  # It says which display it is when it is ready.
+  local tries=100
+  until [ -s "$job/display" ] || [ "$tries" -eq 0 ]; do
+    tries=$((tries - 1))
+    sleep 0.1
+  done
+  [ -s "$job/display" ] || die "no display server"
+  use_own_compstui "$prefix" >/dev/null
+  scripts/wine-run.sh reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d x11 /f >/dev/null
+  # There is no window manager.
+  scripts/wine-run.sh reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+  stop_wineserver "$prefix"
+  DISPLAY=:$(<"$job/display")
+  export DISPLAY
+  start_wineserver "$prefix"
+}
+
+# The user, who waits for the dialog; the steps stand in tools/preferences_user.
+preferences_user() {
+  scripts/wine-run.sh "$build/mingw-release/bin/preferences_user.exe" "$@"
+}
+
+heading "A user changes the printing preferences"
+open_display
+# Media types are offered once an administrator says so.
+scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v EnableMediaTypeOnUPD /t REG_DWORD /d 1 \
+  /f >/dev/null
+rm -f -- "$job"/*.png
+preferences_user \
+  page=1 choose=1028:"Flip On Short Edge" choose=1042:4 "picture=$job/1-layout.bmp" \
+  page=2 "choose=1031:$media_name" "picture=$job/2-paper.bmp" \
+  page=3 choose=1048:"Optimized Compression" click=1101 "picture=$job/3-advanced.bmp" \
+  page=4 choose=1045:TopLeft choose=1046:LeftEdge "picture=$job/4-finishing.bmp" \
+  page=5 choose=1049:Confidential click=1058 "picture=$job/5-watermark.bmp" \
+  press=1 &
+show_printctl preferences "$printer" --out "$job/preferences.bin" | tee "$job/preferences.txt"
+wait $! || die "the user could not do what was wanted"
+for choice in 'horizontal' 'pagesPerSheet *1 *4' 'compression *0 *2' "$media_name" \
+  'psk:StapleTopLeft' 'psk:LeftEdge' 'Confidential'; do
+  grep -q -- "$choice" "$job/preferences.txt" || die "the application did not get $choice"
+done
+
+heading "The same dialog in German, cancelled"
+preferences_user page=1 "picture=$job/6-layout-german.bmp" press=2 &
+status=0
+show_printctl preferences "$printer" --language de-de || status=$?
+wait $! || die "the user could not do what was wanted"
+[ "$status" -eq 5 ] || die "a cancelled dialog ended with $status"
+echo "printctl ended with $status."
+mogrify-im6.q16 -format png "$job"/*.bmp
+rm -f -- "$job"/*.bmp
+echo
+echo "Pictures of the pages:"
+pictures=("$job"/*.png)
+printf '  %s\n' "${pictures[@]}"
+
 heading "What was seen"
 log_files=("$prefix"/drive_c/ProgramData/Zelmora/Tessary/logs/print_ui_*.log)
 python3 scripts/demo_printers.py --verdict "$printer" "$unlike_duplex" "$unlike_paper" "${#log_files[@]}" <<<"$merged"
+echo "The user's choices on five pages reached the application that had opened the printing preferences, and Cancel was"
+echo "told from OK. ${#pictures[@]} pictures of the pages are in build/demo/."

@@ -2,9 +2,9 @@
 """The two printers of scripts/demo.sh.
 
 demo_printers.py IMPORTED-FOLDER DEMO-FOLDER
-    Copies the imported printer profile, and a second copy with two-sided printing locked. Prints five lines: the two
-    printer names, then a duplex mode, a paper number and a media type that the printer has and that are not its
-    defaults.
+    Copies the imported printer profile, and a second copy with two-sided printing locked. Prints six lines: the two
+    printer names, then a duplex mode, a paper number and a media type (its number, then its name) that the printer
+    has and that are not its defaults.
 demo_printers.py --verdict PRINTER DUPLEX PAPER LOGS  (standard input: what "printctl devmode --json" printed)
     Says in words what the merge did; fails unless the lock held and everything else was taken over.
 """
@@ -27,7 +27,7 @@ def prepare(imported, demo):
     duplex = [mode for mode in profile["duplex"] if mode != defaults.get("duplex", "simplex")]
     papers = [paper["id"] for paper in profile["papers"] if paper["id"] != defaults["paper"]]
 
-    media = [kind["id"] for kind in profile["mediaTypes"] if kind["id"] != defaults.get("mediaType")]
+    media = [kind for kind in profile["mediaTypes"] if kind["id"] != defaults.get("mediaType")]
 
     shutil.rmtree(demo, ignore_errors=True)
     demo.mkdir(parents=True)
@@ -35,7 +35,8 @@ def prepare(imported, demo):
     profile["name"] = f"{name} (duplex locked)"
     profile.setdefault("private", {})["locked"] = ["duplex"]
     (demo / "locked.json").write_text(json.dumps(profile, indent=2), encoding="utf-8")
-    print(name, profile["name"], duplex[-1], 9 if 9 in papers else papers[0], media[0], sep="\n")
+    print(name, profile["name"], duplex[-1], 9 if 9 in papers else papers[0], sep="\n")
+    print(media[0]["id"], media[0]["name"], sep="\n")
 
 
 def verdict(printer, duplex, paper, logs):

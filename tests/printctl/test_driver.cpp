@@ -1,6 +1,7 @@
 // A small printer driver with fixed answers, so that the program can be tried without the product's own libraries. The
 // same file serves as UI library, as remote printer service and as language library.
 #include "remote/private_devmode.h"
+#include "tests/printctl/test_driver_sheet.h"
 
 #include <windows.h>
 #include <winspool.h>
@@ -165,10 +166,14 @@ DrvDeviceCapabilities(HANDLE, const wchar_t* printer, WORD index, void* output, 
     }
 }
 
-TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(void* ui, LPARAM parameter)
+TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* ui, LPARAM parameter)
 {
+    if (ui != nullptr && ui->Reason != PROPSHEETUI_REASON_INIT)
+    {
+        return AnswerSheet(*ui, nullptr);
+    }
     auto* header = reinterpret_cast<RequestHeader*>(parameter);
-    if (ui != nullptr || IsNamed(header->printerName, L"Silent"))
+    if (IsNamed(header->printerName, L"Silent"))
     {
         return -1;
     }
@@ -182,7 +187,7 @@ TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(void* ui, LPARAM parameter)
     {
         Merge(out, header->in);
     }
-    return 1;
+    return ui == nullptr ? 1 : AnswerSheet(*ui, out);
 }
 
 TEST_EXPORT BOOL WINAPI

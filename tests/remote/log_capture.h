@@ -32,6 +32,7 @@ public:
         Dictionary settings;
         settings.Set(kLogFileLevelKey, level);
         settings.Set(kLogFileNameKey, m_path);
+        settings.Set(kLogThrottleLinesKey, "0"); // every line counts here, also the same one a thousand times
         EXPECT_TRUE(LogStart("remote", settings));
     }
     LogCapture(const LogCapture&) = delete;

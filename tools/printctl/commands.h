@@ -20,6 +20,7 @@ void AddDevModeCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);
 void AddProfilesCommand(CLI::App& app);
 void AddTicketCommand(CLI::App& app);
+void AddPreferencesCommand(CLI::App& app);
 
 } // namespace tsypr::printctl
 

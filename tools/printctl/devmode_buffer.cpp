@@ -33,11 +33,16 @@ size_t QuerySize(const PrinterHandle& printer, std::wstring name)
     return static_cast<size_t>(size);
 }
 
-DevModeBuffer Fill(const PrinterHandle& printer, std::wstring name, DEVMODEW* requested, DWORD mode)
+// Nothing when a dialog was cancelled.
+std::optional<DevModeBuffer> Ask(const PrinterHandle& printer, std::wstring name, DEVMODEW* requested, DWORD mode)
 {
     DevModeBuffer result(QuerySize(printer, name));
     SetLastError(ERROR_SUCCESS);
     const LONG answer = DocumentPropertiesW(nullptr, printer.Get(), name.data(), result.Get(), requested, mode);
+    if (answer == IDCANCEL && (mode & DM_IN_PROMPT) != 0)
+    {
+        return std::nullopt;
+    }
     if (answer != IDOK)
     {
         const DWORD error = GetLastError();
@@ -113,12 +118,19 @@ void DevModeBuffer::ToFile(const std::filesystem::path& file) const
 
 DevModeBuffer DefaultDevMode(const PrinterHandle& printer, const std::wstring& name)
 {
-    return Fill(printer, name, nullptr, DM_OUT_BUFFER);
+    return *Ask(printer, name, nullptr, DM_OUT_BUFFER);
 }
 
 DevModeBuffer MergeDevMode(const PrinterHandle& printer, const std::wstring& name, DevModeBuffer& requested)
 {
-    return Fill(printer, name, requested.Get(), DM_IN_BUFFER | DM_OUT_BUFFER);
+    return *Ask(printer, name, requested.Get(), DM_IN_BUFFER | DM_OUT_BUFFER);
+}
+
+std::optional<DevModeBuffer> PromptDevMode(const PrinterHandle& printer,
+                                           const std::wstring& name,
+                                           DevModeBuffer& requested)
+{
+    return Ask(printer, name, requested.Get(), DM_IN_PROMPT | DM_IN_BUFFER | DM_OUT_BUFFER);
 }
 
 } // namespace tsypr::printctl

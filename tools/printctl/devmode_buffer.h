@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,12 @@ DevModeBuffer DefaultDevMode(const PrinterHandle& printer, const std::wstring& n
 
 // DocumentPropertiesW's merge of requested settings into the printer's, without a dialog.
 DevModeBuffer MergeDevMode(const PrinterHandle& printer, const std::wstring& name, DevModeBuffer& requested);
+
+// Lets the user edit the settings in the printer's dialog, which begins with those requested. Nothing when the user
+// cancels.
+std::optional<DevModeBuffer> PromptDevMode(const PrinterHandle& printer,
+                                           const std::wstring& name,
+                                           DevModeBuffer& requested);
 
 } // namespace tsypr::printctl
 

@@ -80,6 +80,20 @@ std::vector<FieldChange> CompareMerge(const DevModeBuffer& before,
     return changes;
 }
 
+std::vector<FieldChange> CompareSettings(const DevModeBuffer& before, const DevModeBuffer& result)
+{
+    std::vector<FieldChange> changes;
+    for (const Field& field : Fields())
+    {
+        FieldChange change{&field, ValueInUse(before, field), std::nullopt, ValueInUse(result, field)};
+        if (change.result != change.before)
+        {
+            changes.push_back(std::move(change));
+        }
+    }
+    return changes;
+}
+
 Json DevModeJson(const DevModeBuffer& dm, const PrinterChoices& choices)
 {
     Json publicFields = Json::object();
@@ -168,6 +182,17 @@ std::string ChangesText(const std::vector<FieldChange>& changes, const PrinterCh
         }
     }
     return text;
+}
+
+std::string DifferencesText(const std::vector<FieldChange>& changes, const PrinterChoices& choices)
+{
+    TextTable table({"field", "before", "after"});
+    for (const auto& change : changes)
+    {
+        table.AddRow(
+            {change.field->name, Shown(change, change.before, choices), Shown(change, change.result, choices)});
+    }
+    return table.Format();
 }
 
 } // namespace tsypr::printctl

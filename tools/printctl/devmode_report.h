@@ -32,11 +32,17 @@ std::vector<FieldChange> CompareMerge(const DevModeBuffer& before,
                                       const DevModeBuffer& requested,
                                       const DevModeBuffer& result);
 
+// The fields that differ. Nothing counts as asked for.
+std::vector<FieldChange> CompareSettings(const DevModeBuffer& before, const DevModeBuffer& result);
+
 Json DevModeJson(const DevModeBuffer& dm, const PrinterChoices& choices);
 std::string DevModeText(const DevModeBuffer& dm, const PrinterChoices& choices);
 
 Json ChangesJson(const std::vector<FieldChange>& changes, const PrinterChoices& choices);
 std::string ChangesText(const std::vector<FieldChange>& changes, const PrinterChoices& choices);
+
+// A table of the fields with the values before and after.
+std::string DifferencesText(const std::vector<FieldChange>& changes, const PrinterChoices& choices);
 
 } // namespace tsypr::printctl
 

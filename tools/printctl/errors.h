@@ -14,10 +14,11 @@ namespace tsypr::printctl
 enum class ExitCode : int
 {
     Ok = 0,
-    Usage = 1,    // unknown option, field or value
-    NotFound = 2, // no such printer, driver or stored device mode
-    System = 3,   // a Windows call or the driver failed
-    BadFile = 4,  // an input file is missing, unreadable or inconsistent
+    Usage = 1,     // unknown option, field or value
+    NotFound = 2,  // no such printer, driver, language or stored device mode
+    System = 3,    // a Windows call or the driver failed
+    BadFile = 4,   // an input file is missing, unreadable or inconsistent
+    Cancelled = 5, // by the user, in a dialog
     Internal = 10,
 };
 

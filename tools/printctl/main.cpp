@@ -16,9 +16,10 @@ using namespace tsypr::printctl;
 constexpr char kFooter[] = "Exit codes:\n"
                            "  0   done\n"
                            "  1   wrong command line, field or value\n"
-                           "  2   no such printer, driver, profile or stored device mode\n"
+                           "  2   no such printer, driver, profile, language or stored device mode\n"
                            "  3   a Windows function or the driver failed; install has then taken everything back\n"
                            "  4   an input file is missing, unreadable or inconsistent\n"
+                           "  5   the user pressed Cancel or closed the dialog\n"
                            "  10  internal error\n"
                            "Results go to standard output, messages about failures to standard error; both are UTF-8.";
 
@@ -52,6 +53,7 @@ int Run(std::vector<std::string> arguments)
     AddConvertCommand(app);
     AddProfilesCommand(app);
     AddTicketCommand(app);
+    AddPreferencesCommand(app);
     for (CLI::App* command : app.get_subcommands({}))
     {
         command->footer(kFooter);

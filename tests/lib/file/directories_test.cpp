@@ -196,7 +196,7 @@ TEST(Directories, ATreeIsRemovedAsFarAsItGoes)
         plan.Fail(FileOperation::Delete, FileError::DiskFull); // the first file
         EXPECT_EQ(RemoveDirectoryTree(tree.c_str()).error, FileError::DiskFull);
         plan.Fail(FileOperation::List, FileError::AccessDenied, plan.Seen(FileOperation::List) + 2);
-        EXPECT_EQ(RemoveDirectoryTree(tree.c_str()).error, FileError::AccessDenied);
+        EXPECT_EQ(RemoveDirectoryTree(tree.c_str(), kNoRetry).error, FileError::AccessDenied);
     }
     std::vector<DirectoryEntry> entries;
     ASSERT_TRUE(ListDirectory(tree.c_str(), entries).Ok());
