@@ -6,11 +6,6 @@ namespace tsypr::sys
 namespace
 {
 
-HANDLE ToHandle(FileHandle handle) noexcept
-{
-    return reinterpret_cast<HANDLE>(static_cast<intptr_t>(handle));
-}
-
 OVERLAPPED PlaceOfTurn() noexcept
 {
     OVERLAPPED place = {};

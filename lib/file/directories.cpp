@@ -128,66 +128,40 @@ private:
 
 FileResult MakeDirectory(const char* path) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            NativePath native;
-            const SystemError error = ToNativePath(path, native);
-            return ToResult(error == 0 ? sys::MakeFolder(native) : error);
-        });
+    return OnPath(path, [](const NativePath& native) { return sys::MakeFolder(native); });
 }
 
 FileResult MakeDirectoryTree(const char* path) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            NativePath native;
-            const SystemError error = ToNativePath(path, native);
-            return ToResult(error == 0 ? MakeTree(native) : error);
-        });
+    return OnPath(path, [](const NativePath& native) { return MakeTree(native); });
 }
 
 FileResult RemoveEmptyDirectory(const char* path, const RetryPolicy& retry) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath native;
-            SystemError error = ToNativePath(path, native);
-            if (error == 0)
-            {
-                error = CheckRealDirectory(native);
-            }
-            if (error == 0)
-            {
-                error = retrier.Run(native, [&] { return sys::DeleteEmptyFolder(native); });
-            }
-            return retrier.Result(error);
-        });
+    return OnPath(path,
+                  retry,
+                  [](const NativePath& native, Retrier& retrier)
+                  {
+                      const SystemError error = CheckRealDirectory(native);
+                      return error != 0 ? error : retrier.Run(native, [&] { return sys::DeleteEmptyFolder(native); });
+                  });
 }
 
 FileResult RemoveDirectoryTree(const char* path, const RetryPolicy& retry) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath native;
-            SystemError error = ToNativePath(path, native);
-            if (error == 0)
-            {
-                error = CheckRealDirectory(native);
-            }
-            if (error == 0)
-            {
-                TreeRemoval removal(retrier);
-                removal.Remove(native);
-                error = removal.FirstError();
-            }
-            return retrier.Result(error);
-        });
+    return OnPath(path,
+                  retry,
+                  [](const NativePath& native, Retrier& retrier)
+                  {
+                      const SystemError error = CheckRealDirectory(native);
+                      if (error != 0)
+                      {
+                          return error;
+                      }
+                      TreeRemoval removal(retrier);
+                      removal.Remove(native);
+                      return removal.FirstError();
+                  });
 }
 
 } // namespace tsypr

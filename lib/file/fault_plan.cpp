@@ -6,29 +6,6 @@
 
 namespace tsypr
 {
-namespace
-{
-
-class Guard
-{
-public:
-    explicit Guard(ExclusiveLock& lock) noexcept : m_lock(lock)
-    {
-        m_lock.Acquire();
-    }
-    ~Guard()
-    {
-        m_lock.Release();
-    }
-    Guard(const Guard&) = delete;
-    Guard& operator=(const Guard&) = delete;
-
-private:
-    ExclusiveLock& m_lock;
-};
-
-} // namespace
-
 FileFaultPlan::FileFaultPlan() noexcept : FileFaultHook{&FileFaultPlan::Ask}
 {
     SetFileFaultHook(this);
@@ -76,20 +53,20 @@ void FileFaultPlan::Call(FileOperation operation, void (*function)(void*), void*
 
 void FileFaultPlan::Add(const Rule& rule)
 {
-    const Guard guard(m_lock);
+    const ScopedLock guard(m_lock);
     m_rules.push_back(rule);
 }
 
 unsigned FileFaultPlan::Seen(FileOperation operation) const noexcept
 {
-    const Guard guard(m_lock);
+    const ScopedLock guard(m_lock);
     return m_seen[static_cast<size_t>(operation)];
 }
 
 // What all rules that hold for this operation come to.
 FileFaultPlan::Rule FileFaultPlan::Decide(FileOperation operation) noexcept
 {
-    const Guard guard(m_lock);
+    const ScopedLock guard(m_lock);
     ++m_seen[static_cast<size_t>(operation)];
     ++m_seen[static_cast<size_t>(FileOperation::Any)];
     Rule sum;

@@ -29,13 +29,7 @@ SystemError CheckDeletable(const NativePath& path) noexcept
 FileResult GetFileStatus(const char* path, FileStatus& status) noexcept
 {
     status = {};
-    return Guarded(
-        [&]
-        {
-            NativePath native;
-            const SystemError error = ToNativePath(path, native);
-            return ToResult(error == 0 ? sys::Status(native, status) : error);
-        });
+    return OnPath(path, [&](const NativePath& native) { return sys::Status(native, status); });
 }
 
 bool PathExists(const char* path) noexcept
@@ -46,23 +40,17 @@ bool PathExists(const char* path) noexcept
 
 FileResult RemoveFile(const char* path, const RetryPolicy& retry) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath native;
-            SystemError error = ToNativePath(path, native);
-            if (error == 0)
-            {
-                error = retrier.Run(native,
-                                    [&]
-                                    {
-                                        const SystemError checked = CheckDeletable(native);
-                                        return checked != 0 ? checked : sys::DeleteFileOrLink(native);
-                                    });
-            }
-            return retrier.Result(error);
-        });
+    return OnPath(path,
+                  retry,
+                  [](const NativePath& native, Retrier& retrier)
+                  {
+                      return retrier.Run(native,
+                                         [&]
+                                         {
+                                             const SystemError checked = CheckDeletable(native);
+                                             return checked != 0 ? checked : sys::DeleteFileOrLink(native);
+                                         });
+                  });
 }
 
 FileResult ListDirectory(const char* path, std::vector<DirectoryEntry>& entries) noexcept
@@ -101,13 +89,7 @@ FileResult ListDirectory(const char* path, std::vector<DirectoryEntry>& entries)
 FileResult GetFreeDiskSpace(const char* path, uint64_t& bytes) noexcept
 {
     bytes = 0;
-    return Guarded(
-        [&]
-        {
-            NativePath native;
-            const SystemError error = ToNativePath(path, native);
-            return ToResult(error == 0 ? sys::FreeSpace(native, bytes) : error);
-        });
+    return OnPath(path, [&](const NativePath& native) { return sys::FreeSpace(native, bytes); });
 }
 
 } // namespace tsypr

@@ -69,6 +69,33 @@ inline FileResult ToResult(SystemError error) noexcept
     return result;
 }
 
+// A public function's work on one path: `body` gets the path in the system's form and returns a SystemError.
+template <class Body>
+FileResult OnPath(const char* path, Body body) noexcept
+{
+    return Guarded(
+        [&]
+        {
+            NativePath native;
+            const SystemError error = ToNativePath(path, native);
+            return ToResult(error == 0 ? body(native) : error);
+        });
+}
+
+// The same with what may be tried again: `body` gets the retrier, too.
+template <class Body>
+FileResult OnPath(const char* path, const RetryPolicy& retry, Body body) noexcept
+{
+    return Guarded(
+        [&]
+        {
+            Retrier retrier(retry);
+            NativePath native;
+            const SystemError error = ToNativePath(path, native);
+            return retrier.Result(error == 0 ? body(native, retrier) : error);
+        });
+}
+
 } // namespace tsypr
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "lib/file/fault.h"
 #include "lib/file/native_path.h"
+#include "lib/file/system_file.h"
 
 #include <windows.h>
 
@@ -11,6 +12,11 @@
 
 namespace tsypr::sys
 {
+
+inline HANDLE ToHandle(FileHandle handle) noexcept
+{
+    return reinterpret_cast<HANDLE>(static_cast<intptr_t>(handle));
+}
 
 inline constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 

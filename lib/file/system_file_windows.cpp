@@ -17,11 +17,6 @@ constexpr DWORD kCopiedAttributes =
 // Far behind what any file holds: Windows lets nobody read a locked range.
 constexpr DWORD kLockOffsetHigh = 0x4000'0000;
 
-HANDLE ToHandle(FileHandle handle) noexcept
-{
-    return reinterpret_cast<HANDLE>(static_cast<intptr_t>(handle));
-}
-
 FileHandle FromHandle(HANDLE handle) noexcept
 {
     return static_cast<FileHandle>(reinterpret_cast<intptr_t>(handle));

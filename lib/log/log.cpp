@@ -5,9 +5,9 @@
 #include "lib/log/log_output.h"
 #include "lib/misc/clock.h"
 #include "lib/misc/exclusive_lock.h"
+#include "lib/string/ascii.h"
 #include "lib/string/format_conversion.h"
 
-#include <cctype>
 #include <memory>
 #include <utility>
 
@@ -71,19 +71,6 @@ public:
 private:
     const bool m_held;
 };
-
-bool EqualsIgnoringCase(std::string_view name, const char* text) noexcept
-{
-    for (const char c : name)
-    {
-        if (std::tolower(static_cast<unsigned char>(*text)) != c)
-        {
-            return false;
-        }
-        ++text;
-    }
-    return *text == '\0';
-}
 
 void Output(const LogGuard& guard, std::string_view line, int64_t now) noexcept
 {

@@ -1,5 +1,6 @@
 #include "lib/unicode/code_page.h"
 
+#include "lib/string/ascii.h"
 #include "lib/unicode/code_page_stream.h"
 #include "lib/unicode/through_utf16.h"
 
@@ -76,11 +77,6 @@ constexpr bool IsSeparator(char c) noexcept
     return c == '-' || c == '_' || c == ':' || c == ' ';
 }
 
-constexpr char ToLower(char c) noexcept
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
 bool IsAlias(std::string_view name, std::string_view alias) noexcept
 {
     size_t matched = 0;
@@ -90,7 +86,7 @@ bool IsAlias(std::string_view name, std::string_view alias) noexcept
         {
             continue;
         }
-        if (matched == alias.size() || ToLower(c) != alias[matched])
+        if (matched == alias.size() || AsciiLower(c) != alias[matched])
         {
             return false;
         }
