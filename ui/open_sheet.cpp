@@ -29,12 +29,6 @@ namespace
 
 using PrinterName = wchar_t[kPrinterNameChars];
 
-// What lives as long as one sheet. The context works on the fetched device mode when the caller gave none.
-struct OpenedSheet : UIContext
-{
-    SharedDevMode fetched;
-};
-
 struct PageEntry
 {
     WORD dialog;
@@ -110,8 +104,21 @@ void FindDriver(const PrinterName& name) noexcept
     SetCurrentDriverName(std::move(driver));
 }
 
+// The caller's output device mode, null if there is none. Without DM_OUT_BUFFER nothing is copied there first: memory
+// that holds no device mode of this printer is then as good as none.
+DEVMODEW* OutputOf(const DOCUMENTPROPERTYHEADER& header, const DEVMODEW* fetched) noexcept
+{
+    DEVMODEW* out = header.pdmOut;
+    const auto isLikeFetched = [out, fetched]
+    {
+        return out->dmSize == fetched->dmSize && out->dmDriverExtra == fetched->dmDriverExtra &&
+               (GetPrivateDevMode(out) != nullptr) == (GetPrivateDevMode(fetched) != nullptr);
+    };
+    return out != nullptr && ((header.fMode & DM_OUT_BUFFER) != 0 || isLikeFetched()) ? out : nullptr;
+}
+
 // Puts the caller's settings over the printer's, into the caller's output.
-bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* fetched, const PrinterName& name) noexcept
+bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* output, DEVMODEW* fetched, const PrinterName& name) noexcept
 {
     if (header.fMode == 0)
     {
@@ -119,11 +126,12 @@ bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* fetched, const Printe
     }
     PrintUtils::DumpDevMode(header.pdmIn, L"PROPSHEETUI_REASON_INIT, dmIn:");
     StorePrinterName(fetched, name);
-    if (!MergeAndCopyDM(header.pdmOut, header.pdmIn, fetched, header.fMode))
+    DEVMODEW* merged = output == nullptr && header.pdmOut != nullptr ? fetched : output;
+    if (!MergeAndCopyDM(merged, header.pdmIn, fetched, header.fMode))
     {
         return false;
     }
-    PrintUtils::DumpDevMode(header.pdmOut, L"PROPSHEETUI_REASON_INIT, dmOut:");
+    PrintUtils::DumpDevMode(merged, L"PROPSHEETUI_REASON_INIT, dmOut:");
     return true;
 }
 
@@ -136,6 +144,7 @@ UIContext* MakeContext(PROPSHEETUI_INFO& info, DEVMODEW* output, const SharedDev
         return nullptr;
     }
     sheet->fetched = fetched;
+    sheet->output = output;
     sheet->devMode = output != nullptr ? output : fetched.get();
     sheet->comPropSheet = info.pfnComPropSheet;
     sheet->comPropSheetHandle = info.hComPropSheet;
@@ -170,11 +179,12 @@ LONG OpenSheet(PROPSHEETUI_INFO& info) noexcept
         LogError("%s, failed to retrieve devmode for printer %S.\n", kSheetFunction, name);
         return 0;
     }
-    if (!Merge(*header, fetched.get(), name))
+    DEVMODEW* output = OutputOf(*header, fetched.get());
+    if (!Merge(*header, output, fetched.get(), name))
     {
         return 0;
     }
-    UIContext* context = MakeContext(info, header->pdmOut, fetched);
+    UIContext* context = MakeContext(info, output, fetched);
     if (context == nullptr)
     {
         return 0;

@@ -35,6 +35,16 @@ void EnableControl(HWND dialog, int id, bool enabled) noexcept
     EnableWindow(GetDlgItem(dialog, id), enabled ? TRUE : FALSE);
 }
 
+bool CheckChoice(HWND dialog, int first, int last, uint32_t choice) noexcept
+{
+    if (choice > static_cast<uint32_t>(last - first))
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return false;
+    }
+    return CheckRadioButton(dialog, first, last, first + static_cast<int>(choice)) != FALSE;
+}
+
 bool IsChecked(HWND dialog, int id) noexcept
 {
     return IsDlgButtonChecked(dialog, id) == BST_CHECKED;
@@ -48,6 +58,24 @@ void SetChecked(HWND dialog, int id, bool checked) noexcept
 void ShowPicture(HWND dialog, int id, HBITMAP bitmap) noexcept
 {
     SendDlgItemMessageW(dialog, id, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap));
+}
+
+void NameControl(HWND dialog, int id, const wchar_t* name) noexcept
+{
+    // Controls for pictures take no text for themselves; the window has one all the same, and does not show it.
+    DefWindowProcW(GetDlgItem(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(name));
+}
+
+void NameByLabel(HWND dialog, int id) noexcept
+{
+    HWND label = GetDlgItem(dialog, id);
+    while (label != nullptr && !IsLabel(label))
+    {
+        label = GetWindow(label, GW_HWNDPREV);
+    }
+    wchar_t name[128] = {};
+    GetWindowTextW(label, name, static_cast<int>(std::size(name)));
+    NameControl(dialog, id, name);
 }
 
 } // namespace tsypr

@@ -25,6 +25,15 @@ void Apply(const PageHandlers& page, HWND dialog, UIContext& context)
         context.comPropSheetHandle, CPSFUNC_SET_RESULT, reinterpret_cast<LPARAM>(context.*page.handle), CPSUI_OK);
 }
 
+// A sheet that has an Apply button enables it when a page has changed.
+void Command(const PageHandlers& page, HWND dialog, UIContext& context, WPARAM wParam)
+{
+    if (page.command(dialog, context, LOWORD(wParam), HIWORD(wParam)))
+    {
+        SendMessageW(GetParent(dialog), PSM_CHANGED, reinterpret_cast<WPARAM>(dialog), 0);
+    }
+}
+
 INT_PTR AnswerNotification(const PageHandlers& page, HWND dialog, const NMHDR& header)
 {
     switch (header.code)
@@ -53,7 +62,7 @@ INT_PTR Answer(const PageHandlers& page, HWND dialog, UINT message, WPARAM wPara
     case WM_COMMAND:
         if (UIContext* context = FindContext(dialog))
         {
-            page.command(dialog, *context, LOWORD(wParam), HIWORD(wParam));
+            Command(page, dialog, *context, wParam);
         }
         return TRUE;
     case WM_NOTIFY:
