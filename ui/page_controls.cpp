@@ -1,5 +1,6 @@
 #include "ui/page_controls.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <iterator>
 
@@ -75,6 +76,7 @@ void NameByLabel(HWND dialog, int id) noexcept
     }
     wchar_t name[128] = {};
     GetWindowTextW(label, name, static_cast<int>(std::size(name)));
+    *std::remove(std::begin(name), std::begin(name) + std::wcslen(name), L'&') = L'\0';
     NameControl(dialog, id, name);
 }
 

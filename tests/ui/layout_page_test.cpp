@@ -44,7 +44,6 @@ TEST_F(LayoutPage, OffersOrientation)
                           {0, DMORIENT_LANDSCAPE, "x >Portrait", nullptr}};
     for (const Case& one : cases)
     {
-        SCOPED_TRACE(one.list);
         service.capabilities[DC_ORIENTATION] = {one.answer, std::nullopt};
         dm->dmFields = 0; // does not count
         dm->dmOrientation = one.orientation;
@@ -58,12 +57,13 @@ TEST_F(LayoutPage, OffersOrientation)
     OpenPage();
     EXPECT_EQ(Messages(2, "error DrvDeviceCapabilities, failed to open remote printer Office Laser."), Lines("error"));
     EXPECT_EQ("Portrait|>Landscape", List(IDC_ORIENTATION));
-    Choose(IDC_ORIENTATION, 0);
-    EXPECT_EQ(DMORIENT_PORTRAIT, context.orientation);
-    EXPECT_EQ(PortraitBitmap, Picture());
-    Choose(IDC_ORIENTATION, 1);
-    EXPECT_EQ(DMORIENT_LANDSCAPE, context.orientation);
-    EXPECT_EQ(LandscapeBitmap, Picture());
+    for (const int position : {0, 1, -1})
+    {
+        Choose(IDC_ORIENTATION, position);
+        EXPECT_EQ(position == 0 ? DMORIENT_PORTRAIT : DMORIENT_LANDSCAPE, context.orientation);
+        EXPECT_EQ(position == 0 ? PortraitBitmap : LandscapeBitmap, Picture());
+        EXPECT_EQ(position == 0 ? L"Portrait" : L"Landscape", SpokenName(IDC_ORIENTATION_PICTURE));
+    }
 }
 
 TEST_F(LayoutPage, OffersBothSides)
@@ -91,10 +91,10 @@ TEST_F(LayoutPage, OffersBothSides)
         OpenPage();
         EXPECT_EQ(one.list, List(IDC_DUPLEX));
     }
-    for (int position = 2; position >= 0; --position)
+    for (const auto& [position, duplex] : {std::pair(2, 3), {1, 2}, {0, 1}, {-1, 3}})
     {
         Choose(IDC_DUPLEX, position);
-        EXPECT_EQ(position + 1, context.duplex);
+        EXPECT_EQ(duplex, context.duplex);
     }
 }
 
@@ -109,8 +109,10 @@ TEST_F(LayoutPage, OffersSeveralPagesOnASheet)
     Choose(IDC_PAGES_PER_SHEET, 3);
     EXPECT_EQ(0, context.nupDirectionIndex);
     EXPECT_EQ(4U, context.pagesPerSheet) << "is read on applying only";
-    ExpectPageManners(&UIContext::layoutPage);
+    ExpectPageManners(&UIContext::layoutPage, {IDC_ORIENTATION, IDC_DUPLEX, IDC_PAGES_PER_SHEET, IDC_PAGE_ORDER});
     EXPECT_EQ(16U, context.pagesPerSheet);
+    Choose(IDC_PAGE_ORDER, -1);
+    EXPECT_EQ(-1, context.nupDirectionIndex);
 
     // The last of equal entries wins, an unknown keyword is its own text, and three characters of a number count.
     NupCapabilities.Store(L"Office Laser", {{L"4", L"2048", L"4"}, {L"ns:Odd", L"psk:TopLeft", L"psk:TopLeft"}});
@@ -120,6 +122,11 @@ TEST_F(LayoutPage, OffersSeveralPagesOnASheet)
     Choose(IDC_PAGES_PER_SHEET, 1);
     Notify(PSN_APPLY);
     EXPECT_EQ(204U, context.pagesPerSheet);
+
+    NupCapabilities.Store(L"Office Laser", {std::vector<std::wstring>(2000, L"4"), {L"psk:RightBottom"}});
+    OpenPage();
+    EXPECT_EQ("2000 1999", Numbers(Send(IDC_PAGES_PER_SHEET, CB_GETCOUNT), Send(IDC_PAGES_PER_SHEET, CB_GETCURSEL)));
+    EXPECT_EQ(">Right then Down", List(IDC_PAGE_ORDER));
 }
 
 TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
@@ -134,14 +141,9 @@ TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
         Messages message;
         uint32_t applied;
     };
+    const std::string unsupported = "PopulateNup, printer \"Office Laser\" or client version doesn't support N-up";
     const Case cases[] = {
-        {false,
-         L"Office Laser",
-         {},
-         "x ",
-         "x ",
-         {"verbose PopulateNup, printer \"Office Laser\" or client version doesn't support N-up"},
-         1},
+        {false, L"Office Laser", {}, "x ", "x ", {"verbose " + unsupported}, 1},
         {true, L"Else", {}, "x ", "x ", {"error PopulateNup, no Nup capabilities data for \"Else\"."}, 1},
         {true, L"Office Laser", {{}, {L"psk:TopLeft"}}, "x ", "x ", {}, 1},
         {true, L"Office Laser", {{L"2", L"8"}, {}}, ">2|8", "x ", {}, 2},

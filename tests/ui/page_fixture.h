@@ -54,25 +54,14 @@ inline CapabilityReply Answer(int32_t result)
     return {result, std::nullopt};
 }
 
-// Numbers as one text: Values() << 1 << 2 is "1 2".
-struct Values
+// As one text, "1 2".
+template <typename... Number>
+std::string Numbers(Number... numbers)
 {
-    template <typename Number>
-    Values& operator<<(Number number)
-    {
-        text += (text.empty() ? "" : " ") + std::to_string(number);
-        return *this;
-    }
-    friend bool operator==(const char* expected, const Values& values)
-    {
-        return values.text == expected;
-    }
-    friend void PrintTo(const Values& values, std::ostream* out)
-    {
-        *out << values.text;
-    }
     std::string text;
-};
+    ((text += (text.empty() ? "" : " ") + std::to_string(numbers)), ...);
+    return text;
+}
 
 class PageTest : public RemoteTest
 {
@@ -124,9 +113,12 @@ protected:
         page.dwSize = sizeof(page);
         page.lParam = reinterpret_cast<LPARAM>(&context);
         owner = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 600, nullptr, nullptr, nullptr, nullptr);
+        SetWindowLongPtrW(owner, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&SheetProcedure));
+        s_changes = 0;
         dialog = CreateDialogParamW(
             ResourceModule, MAKEINTRESOURCEW(dialogId), owner, procedure, reinterpret_cast<LPARAM>(&page));
         ASSERT_NE(dialog, nullptr) << GetLastError();
+        EXPECT_EQ(0, s_changes) << "opening a page changes nothing";
     }
     void Close()
     {
@@ -141,6 +133,14 @@ protected:
     LRESULT Send(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const
     {
         return SendMessageW(Item(id), message, wParam, lParam);
+    }
+
+    // What a screen reader calls a control: the text of its window.
+    std::wstring SpokenName(int id) const
+    {
+        wchar_t name[64] = {};
+        GetDlgItemTextW(dialog, id, name, 64);
+        return name;
     }
 
     // A list as "one|>selected|three", with "x " before it when it is disabled, and a complaint when its label is not
@@ -188,9 +188,26 @@ protected:
         return procedure(dialog, message, wParam, lParam);
     }
 
-    // The notifications that every page answers in the same way, confirming last.
-    void ExpectPageManners(HANDLE UIContext::*handle)
+    // What every page does in the same way: telling the sheet that the user changed a setting, and answering its
+    // notifications, confirming last.
+    void ExpectPageManners(HANDLE UIContext::*handle,
+                           const std::vector<int>& lists,
+                           const std::vector<int>& buttons = {})
     {
+        const auto changes = [this](int id, int notification)
+        {
+            s_changes = 0;
+            Command(id, notification);
+            return s_changes;
+        };
+        for (const int id : lists)
+        {
+            EXPECT_EQ("0 1", Numbers(changes(id, CBN_DROPDOWN), changes(id, CBN_SELCHANGE))) << id;
+        }
+        for (const int id : buttons)
+        {
+            EXPECT_EQ(1, changes(id, BN_CLICKED)) << id;
+        }
         context.*handle = reinterpret_cast<HANDLE>(0xA0);
         s_results.clear();
         EXPECT_EQ(TRUE, Notify(PSN_RESET));
@@ -201,6 +218,12 @@ protected:
         EXPECT_EQ(Messages{}, s_results);
         EXPECT_EQ(TRUE, Notify(PSN_APPLY));
         EXPECT_EQ(Messages{"c0 9 a0 1"}, s_results);
+    }
+
+    static LRESULT CALLBACK SheetProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        s_changes += message == PSM_CHANGED && GetParent(reinterpret_cast<HWND>(wParam)) == window ? 1 : 0;
+        return DefWindowProcW(window, message, wParam, lParam);
     }
 
     static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
@@ -217,6 +240,7 @@ protected:
         return 1;
     }
 
+    inline static int s_changes = 0;  // that a page told its sheet
     inline static Messages s_results; // calls of the common property sheet interface
     TestRegistry registry;
     DeviceMode dm;

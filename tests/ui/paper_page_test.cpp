@@ -45,10 +45,14 @@ protected:
         Choose(IDC_MEDIACOMBO, 1);
         Choose(IDC_PRINT_QUALITY, 1);
     }
-    Values Chosen() const
+    std::string Chosen() const
     {
-        return Values() << context.paperSource << context.paperSize << context.mediaType << context.color
-                        << context.printQuality << context.yResolution;
+        return Numbers(context.paperSource,
+                       context.paperSize,
+                       context.mediaType,
+                       context.color,
+                       context.printQuality,
+                       context.yResolution);
     }
 };
 
@@ -66,9 +70,21 @@ TEST_F(PaperPage, ShowsWhatThePrinterOffersAndTakesTheChoice)
     Choose(IDC_COLOR, 0);
     EXPECT_EQ("4 300 300 1 600 300", Chosen());
     EXPECT_EQ(std::wstring(31, L'p'), context.formName);
-    Choose(IDC_COLOR, 1);
-    EXPECT_EQ(DMCOLOR_COLOR, context.color);
-    ExpectPageManners(&UIContext::paperPage);
+    for (const int position : {1, -1})
+    {
+        context.color = 0;
+        Choose(IDC_COLOR, position);
+        EXPECT_EQ(DMCOLOR_COLOR, context.color);
+    }
+    const std::vector<int> lists = {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_COLOR, IDC_PRINT_QUALITY};
+    ExpectPageManners(&UIContext::paperPage, lists);
+    const std::string chosen = Chosen();
+    for (const int id : {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_PRINT_QUALITY})
+    {
+        Choose(id, -1);
+    }
+    EXPECT_EQ(chosen, Chosen()) << "nothing selected";
+    EXPECT_EQ(std::wstring(31, L'p'), context.formName);
 
     context.paperSource = context.paperSize = 99;
     context.mediaType = 99;
@@ -93,6 +109,11 @@ TEST_F(PaperPage, DisablesWhatThePrinterDoesNotTell)
               Lines("error Populate"));
     EXPECT_EQ("Black/White|>Color", List(IDC_COLOR));
     EXPECT_EQ(0U, dm->dmFields & DM_DEFAULTSOURCE);
+    service.opens = false;
+    PopulateColors(dialog, dm.Get(), context);
+    EXPECT_EQ(Messages{"error DrvDeviceCapabilities, failed to open remote printer Office Laser."}, log.TakeErrors());
+    EXPECT_EQ("Black/White|>Color", List(IDC_COLOR));
+    service.opens = true;
     for (const bool counted : {false, true}) // lists that do not come, and counts without entries
     {
         for (const int list : {DC_BINNAMES, DC_PAPERNAMES, DC_MEDIATYPENAMES, DC_ENUMRESOLUTIONS})
@@ -186,7 +207,7 @@ TEST_F(PaperPage, OffersQualityLevelsOrResolutions)
         EXPECT_EQ(one.invalid ? Messages{"error PopulateDPIs, invalid max DPI level GPO"} : Messages{}, Lines("DPI "));
     }
     Choose(IDC_PRINT_QUALITY, 2);
-    EXPECT_EQ("-3 600", Values() << context.printQuality << context.yResolution);
+    EXPECT_EQ("-3 600", Numbers(context.printQuality, context.yResolution));
 }
 
 TEST_F(PaperPage, HidesTheMediaTypeUnlessTheAdministratorOffersIt)
@@ -209,15 +230,29 @@ TEST_F(PaperPage, HidesTheMediaTypeUnlessTheAdministratorOffersIt)
 
 TEST_F(PaperPage, TakesListsOfAnyLengthAndCountsThatLie)
 {
-    service.capabilities[DC_PAPERNAMES] = NamesReply(64, std::vector<std::wstring>(2000, L"Paper"));
-    service.capabilities[DC_PAPERS] = ListReply<int16_t>(2000, std::vector<int16_t>(2000, 9));
-    service.capabilities[DC_BINNAMES] = NamesReply(24, {L"Only"});
-    service.capabilities[DC_BINNAMES].result = 5000;
-    service.capabilities[DC_BINS].result = 5000;
+    auto& lists = service.capabilities;
+    for (const size_t count : {size_t{1}, size_t{2000}})
+    {
+        const auto stated = static_cast<int32_t>(count);
+        lists[DC_BINNAMES] = NamesReply(24, std::vector<std::wstring>(count, std::wstring(24, L'b')));
+        lists[DC_PAPERNAMES] = NamesReply(64, std::vector<std::wstring>(count, std::wstring(64, L'p')));
+        lists[DC_MEDIATYPENAMES] = NamesReply(64, std::vector<std::wstring>(count, std::wstring(64, L'm')));
+        lists[DC_PAPERS] = ListReply<int16_t>(stated, std::vector<int16_t>(count, 9));
+        lists[DC_ENUMRESOLUTIONS] = ListReply<Resolution>(stated, std::vector<Resolution>(count, {72, 72}));
+        OpenPage();
+        for (const int id : {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_PRINT_QUALITY})
+        {
+            EXPECT_EQ(stated, Send(id, CB_GETCOUNT));
+        }
+        context.paperSize = 0;
+        Choose(IDC_PAPER_SIZE, stated - 1);
+        EXPECT_EQ(9, context.paperSize);
+        EXPECT_EQ(64, Send(IDC_MEDIACOMBO, CB_GETLBTEXTLEN, 0));
+    }
+    lists[DC_BINNAMES] = NamesReply(24, {L"Only"});
+    lists[DC_BINNAMES].result = lists[DC_BINS].result = 5000;
     OpenPage();
-    EXPECT_EQ("2000 1", Values() << Send(IDC_PAPER_SIZE, CB_GETCOUNT) << Send(IDC_PAPER_SOURCE, CB_GETCOUNT));
-    Choose(IDC_PAPER_SIZE, 1999);
-    EXPECT_EQ(9, context.paperSize);
+    EXPECT_EQ("Only", List(IDC_PAPER_SOURCE)) << "the number is at a place that has no name";
 }
 
 } // namespace

@@ -37,7 +37,7 @@ TEST_F(PoorSurroundings, LeaveWhatIsThereWorking)
     user.join();
     UseEnglish();
     EXPECT_EQ("Portrait|>Landscape", seen) << "the texts that are built in";
-    EXPECT_EQ("1 1", Values() << out->dmOrientation << out->dmCopies) << "the result was written";
+    EXPECT_EQ("1 1", Numbers(out->dmOrientation, out->dmCopies)) << "the result was written";
 }
 
 TEST_F(PoorSurroundings, LetTheProgramEndWhileTheServiceIsSilent)

@@ -52,11 +52,12 @@ public:
         return Call(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&told));
     }
 
-    // Makes the dialogs of all pages.
-    void Show()
+    // Makes the dialogs of the first pages, or of all.
+    void Show(size_t count = 5)
     {
-        for (Page& page : pages)
+        for (size_t i = 0; i < std::min(count, pages.size()); ++i)
         {
+            Page& page = pages[i];
             page.dialog = CreateDialogParamW(page.record.hInstance,
                                              page.record.pszTemplate,
                                              m_owner,

@@ -2,6 +2,7 @@
 #include "tests/module/heap_blocks.h"
 #include "tests/remote/allocation_faults.h"
 #include "tests/ui/sheet_fixture.h"
+#include "tests/watermark/system_calls.h"
 
 #include <set>
 
@@ -16,10 +17,43 @@ const std::vector<int> kCommonPages = {112, 107, 117, 120};
 class Sheet : public SheetTest
 {
 protected:
+    // The context of an opened sheet, with a choice of the user's in each field.
+    static UIContext& ChosenIn(const FakeSheet& sheet)
+    {
+        UIContext& chosen = sheet.Context();
+        chosen.paperSize = 1;
+        std::fill_n(chosen.formName, 32, L'f');
+        chosen.paperSource = 4;
+        chosen.orientation = 2;
+        chosen.duplex = 3;
+        chosen.mediaType = 300;
+        chosen.color = 2;
+        chosen.printQuality = -4;
+        chosen.yResolution = 1200;
+        chosen.copies = 5;
+        chosen.printAsImage = chosen.showPreDialog = 1;
+        chosen.printChoice = 1;
+        chosen.compression = 3;
+        chosen.pagesPerSheet = 9;
+        chosen.nupDirectionIndex = 0;
+        chosen.stapleIndex = chosen.punchIndex = 1;
+        std::memset(&chosen.watermark, 0x41, sizeof(chosen.watermark));
+        return chosen;
+    }
     std::wstring Keywords()
     {
         const PrivateDevMode& block = out.Private();
         return Text(block.nupLayout) + L" " + Text(block.staple) + L" " + Text(block.punch);
+    }
+    // The titles of the device modes in the log.
+    std::string Titles()
+    {
+        std::string titles;
+        for (const std::string& line : Lines("PrintUtils::DumpDevMode(): "))
+        {
+            titles += line.substr(line.find(": ") + 2);
+        }
+        return titles;
     }
     static DWORD StoredChoice()
     {
@@ -56,7 +90,9 @@ TEST_F(Sheet, HasItsPagesInOrder)
         EXPECT_STREQ(L"Office Laser", sheet.Context().printerName);
         EXPECT_EQ(out.Get(), sheet.Context().devMode);
         EXPECT_EQ(L"Office Laser", Text(out.Private().printerName));
-        EXPECT_EQ(Messages{}, log.TakeErrors());
+        EXPECT_EQ(Messages{"verbose DrvDocumentPropertySheets, the UPD driver name is " +
+                           std::string(one.driver, one.driver + wcslen(one.driver))},
+                  Lines("DrvDocumentPropertySheets"));
     }
     PROPSHEETUI_INFO untouched = {};
     for (const WORD reason : {WORD{PROPSHEETUI_REASON_GET_INFO_HEADER}, WORD{PROPSHEETUI_REASON_GET_ICON}, WORD{5}})
@@ -127,41 +163,74 @@ TEST_F(Sheet, WritesTheResultFieldByField)
         header.pdmIn = in.Get();
         FakeSheet sheet(header);
         sheet.Open();
-        UIContext& chosen = sheet.Context();
-        chosen.paperSize = 1;
-        std::fill_n(chosen.formName, 32, L'f');
-        chosen.paperSource = 4;
-        chosen.orientation = 2;
-        chosen.duplex = 3;
-        chosen.mediaType = 300;
-        chosen.color = 2;
-        chosen.printQuality = -4;
-        chosen.yResolution = 1200;
-        chosen.copies = 5;
-        chosen.printAsImage = chosen.showPreDialog = 1;
-        chosen.printChoice = 1;
-        chosen.compression = 3;
-        chosen.pagesPerSheet = 9;
-        chosen.nupDirectionIndex = 0;
-        chosen.stapleIndex = chosen.punchIndex = 1;
-        std::memset(&chosen.watermark, 0x41, sizeof(chosen.watermark));
+        EXPECT_NE(std::string::npos, Titles().find("PROPSHEETUI_REASON_INIT, dmIn:PROPSHEETUI_REASON_INIT, dmOut:"));
+        const UIContext& chosen = ChosenIn(sheet);
         const Bytes before = out.Whole();
         EXPECT_EQ(1, sheet.TellResult(CPSUI_CANCEL));
         EXPECT_EQ(before, out.Whole());
         EXPECT_EQ(1, sheet.TellResult(CPSUI_OK));
+        EXPECT_EQ("UI_REASON_SET_RESULT, dmIn:UI_REASON_SET_RESULT, dmOut:", Titles());
         EXPECT_EQ(kAlways | fields | (fields != 0 ? DM_COLLATE : 0U), out->dmFields);
         EXPECT_EQ(values,
-                  Values() << out->dmPaperSize << out->dmDefaultSource << out->dmOrientation << out->dmDuplex
-                           << out->dmMediaType << out->dmColor << out->dmPrintQuality << out->dmYResolution
-                           << out->dmCopies << out->dmCollate);
+                  Numbers(out->dmPaperSize,
+                          out->dmDefaultSource,
+                          out->dmOrientation,
+                          out->dmDuplex,
+                          out->dmMediaType,
+                          out->dmColor,
+                          out->dmPrintQuality,
+                          out->dmYResolution,
+                          out->dmCopies,
+                          out->dmCollate));
         EXPECT_EQ(fields != 0 ? std::wstring(31, L'f') : L"A4", out->dmFormName);
         const PrivateDevMode& block = out.Private();
         EXPECT_EQ("1 1 1 3 9",
-                  Values() << block.isPrintAsImage << block.isShowPreDlg << block.printTargetChoice << block.compression
-                           << block.pagesPerSheet);
+                  Numbers(block.isPrintAsImage,
+                          block.isShowPreDlg,
+                          block.printTargetChoice,
+                          block.compression,
+                          block.pagesPerSheet));
         EXPECT_EQ(L"psk:RightBottom psk:SaddleStitch psk:LeftEdge", Keywords());
         EXPECT_EQ(0, std::memcmp(block.watermark, &chosen.watermark, kWatermarkBytes));
         EXPECT_EQ(1U, StoredChoice());
+        FailCall("RegCreateKeyExW");
+        log.Take();
+        EXPECT_EQ(1, sheet.TellResult(CPSUI_OK));
+        EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to store print choice into registry."},
+                  Lines("error"));
+    }
+}
+
+// A text that needs no watermark of its own, or any other, comes back as it was, whatever its font.
+TEST_F(Sheet, CarriesAnyWatermark)
+{
+    const std::wstring texts[] = {L"",
+                                  std::wstring(127, L'x'),
+                                  std::wstring(128, L'x'),
+                                  L"e\u0301a\u0308\u0323",
+                                  L"\u05E9\u05DC\u05D5\u05DD",
+                                  L"\U0001F600\U00020BB7",
+                                  L"\xD800x"};
+    for (const std::wstring& text : texts)
+    {
+        WatermarkBlock block = {};
+        std::memset(&block.font, static_cast<int>(text.size()) * 37 + 129, sizeof(block.font));
+        text.copy(block.text, kWatermarkTextChars);
+        std::memcpy(dm.Private().watermark, &block, sizeof(block));
+        service.devMode = dm.Whole();
+        FakeSheet sheet(header);
+        sheet.Open();
+        sheet.Show();
+        log.Take();
+        sheet.PressOk();
+        WatermarkBlock result = {};
+        std::memcpy(&result, out.Private().watermark, sizeof(result));
+        EXPECT_EQ(text.empty() ? kNoWatermark : text, std::wstring(result.text, wcsnlen(result.text, 128)));
+        EXPECT_TRUE(text.empty() || std::memcmp(&block, &result, sizeof(block)) == 0);
+        const Messages told = Lines(", text: ");
+        ASSERT_EQ(kAllPages.size(), told.size());
+        EXPECT_TRUE(told[0].starts_with("verbose DrvDocumentPropertySheets, text: ") && told[0].ends_with("."));
+        EXPECT_TRUE(text.empty() || text[0] != L'x' || told[0].find(std::string(127, 'x') + ".") != std::string::npos);
     }
 }
 
@@ -228,6 +297,34 @@ TEST_F(Sheet, KeepsTheFetchedDeviceModeWhileItIsOpen)
     EXPECT_EQ(DMPAPER_LETTER, sheet.Context().devMode->dmPaperSize);
 }
 
+// Without DM_OUT_BUFFER the output counts only if it holds a device mode like the printer's.
+TEST_F(Sheet, LeavesMemoryAloneThatIsNoOutput)
+{
+    DeviceMode in;
+    in->dmFields = DM_ORIENTATION;
+    in->dmOrientation = DMORIENT_LANDSCAPE;
+    header.pdmIn = in.Get();
+    for (const DWORD mode : {DWORD{0}, DWORD{DM_IN_BUFFER | DM_IN_PROMPT}})
+    {
+        for (const bool valid : {false, true})
+        {
+            out = valid ? dm : DeviceMode(220, 1112, 0x5A);
+            out.Private().signature = valid ? kPrivateDevModeSignature : 0;
+            header.pdmOut = out.Get();
+            header.fMode = mode;
+            FakeSheet sheet(header);
+            ASSERT_EQ(1, sheet.Open());
+            EXPECT_EQ(valid, sheet.Context().devMode == out.Get());
+            EXPECT_EQ(mode == 0 ? DMORIENT_PORTRAIT : DMORIENT_LANDSCAPE, sheet.Context().orientation);
+            const Bytes before = out.Whole();
+            sheet.Context().copies = 5;
+            sheet.TellResult(CPSUI_OK);
+            EXPECT_EQ(5, sheet.Context().devMode->dmCopies);
+            EXPECT_EQ(valid, before != out.Whole());
+        }
+    }
+}
+
 TEST_F(Sheet, OpensWithoutAPrivateBlock)
 {
     dm.Private().signature = 0;
@@ -263,12 +360,18 @@ TEST_F(Sheet, TakesWhatTheUserChoosesInPlace)
     sheet.PressOk();
     EXPECT_EQ(kAllPages.size(), sheet.results);
     EXPECT_EQ("2 2 1 4 2 300 1 1",
-              Values() << out->dmOrientation << out->dmDuplex << out->dmPaperSize << out->dmDefaultSource
-                       << out->dmColor << out->dmPrintQuality << out->dmCopies << out.Private().compression);
+              Numbers(out->dmOrientation,
+                      out->dmDuplex,
+                      out->dmPaperSize,
+                      out->dmDefaultSource,
+                      out->dmColor,
+                      out->dmPrintQuality,
+                      out->dmCopies,
+                      out.Private().compression));
     EXPECT_STREQ(L"Letter", out->dmFormName);
 }
 
-// The calls of docs/preferences-dialog.md. The service takes its time for each, and hardly any more is added.
+// The calls of docs/preferences-dialog.md, each of which takes its time.
 TEST_F(Sheet, AsksTheServiceNoMoreThanItMust)
 {
     const auto list = [](const std::string& index) {
@@ -280,7 +383,6 @@ TEST_F(Sheet, AsksTheServiceNoMoreThanItMust)
     Messages expected = {"open Office Laser", "getDevMode", "close", "freeDevMode"};
     const Messages prefetch = {"open Office Laser", "query DM2PT", "query PT2PC", "freePT", "freePT", "close"};
     expected.insert(expected.end(), prefetch.begin(), prefetch.end());
-    const size_t beforePages = expected.size();
     for (const Messages& calls : {number("17"),
                                   number("7"),
                                   list("12"),
@@ -293,19 +395,39 @@ TEST_F(Sheet, AsksTheServiceNoMoreThanItMust)
     {
         expected.insert(expected.end(), calls.begin(), calls.end());
     }
-    service.delay = 50;
-    FakeSheet sheet(header);
-    const ULONGLONG begin = GetTickCount64();
-    ASSERT_EQ(1, sheet.Open());
-    const ULONGLONG opened = GetTickCount64();
-    sheet.Show();
-    const ULONGLONG shown = GetTickCount64();
+    service.delay = 20;
+    {
+        FakeSheet sheet(header);
+        ASSERT_EQ(1, sheet.Open());
+        sheet.Show();
+    }
     service.delay = 0;
     EXPECT_EQ(expected, service.TakeCalls());
-    const auto own = static_cast<int>(shown - begin) - 50 * static_cast<int>(expected.size());
-    RecordProperty("ownMilliseconds", own);
-    EXPECT_GE(static_cast<int>(opened - begin), 50 * static_cast<int>(beforePages) - 50);
-    EXPECT_LT(own, 1000);
+}
+
+// A sheet and the page that it opens with, and a service that answers at once: what the dialog adds to the time of its
+// calls. The log is off, as it is for users.
+TEST_F(Sheet, IsThereAtOnce)
+{
+    LogStop();
+    std::vector<double> milliseconds(15);
+    LARGE_INTEGER frequency = {};
+    QueryPerformanceFrequency(&frequency);
+    for (double& one : milliseconds)
+    {
+        LARGE_INTEGER begin = {};
+        LARGE_INTEGER end = {};
+        QueryPerformanceCounter(&begin);
+        FakeSheet sheet(header);
+        sheet.Open();
+        sheet.Show(1);
+        QueryPerformanceCounter(&end);
+        one = static_cast<double>(end.QuadPart - begin.QuadPart) * 1000 / static_cast<double>(frequency.QuadPart);
+    }
+    std::sort(milliseconds.begin(), milliseconds.end());
+    const double median = milliseconds[milliseconds.size() / 2];
+    RecordProperty("medianMicroseconds", static_cast<int>(median * 1000));
+    EXPECT_LT(median, 100);
 }
 
 // The pages are made on every 25th opening, which takes most of the time, or on each with TESSARY_SHOW_ALWAYS.

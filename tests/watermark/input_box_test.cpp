@@ -52,7 +52,7 @@ protected:
 
     const wchar_t* Show(HMODULE captions = nullptr)
     {
-        const wchar_t* text = ShowBox(L"Title", L"Prompt", captions, page);
+        const wchar_t* text = ShowBox(L"Title", L"Prompt", captions, page, answer);
         EXPECT_TRUE(IsWindowEnabled(sheet.get()));
         EXPECT_EQ(nullptr, FindWindowW(L"ZarnInputBox", nullptr));
         return text;
@@ -65,6 +65,7 @@ protected:
 
     WindowOwner sheet;
     HWND page; // goes with the sheet
+    Answer answer;
 };
 
 TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
@@ -96,7 +97,8 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
             });
         EXPECT_EQ(L"", before);
         EXPECT_EQ(c.result, result);
-        EXPECT_EQ(c.accepted, WasAccepted());
+        EXPECT_EQ(c.accepted, answer.isAccepted);
+        EXPECT_EQ(c.accepted ? c.result : L"", answer.text.text) << "is the box's own";
     }
     // Keys that follow the end count no more.
     Show(
@@ -107,7 +109,7 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
             PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_ESCAPE, 0);
             PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_RETURN, 0);
         });
-    EXPECT_FALSE(WasAccepted());
+    EXPECT_FALSE(answer.isAccepted);
 }
 
 TEST_F(InputBox, MovesTheFocusInARing)
@@ -201,7 +203,7 @@ TEST_F(InputBox, SurvivesEachFailingCall)
             c.shown ? Show([](const Box& box) { PostMessageW(box.window, WM_KEYDOWN, VK_RETURN, 0); }) : Show();
         FailCall(c.function, 0);
         EXPECT_EQ(c.shown, text != nullptr) << c.error;
-        EXPECT_EQ(c.shown, WasAccepted());
+        EXPECT_EQ(c.shown, answer.isAccepted);
         EXPECT_EQ(Messages{std::string("error ZarnInputBox::") + c.error}, log.TakeErrors());
     }
 }
@@ -220,11 +222,13 @@ TEST_F(InputBox, CopesWithWhatOthersDo)
               Show(
                   [thread, this](const Box& box)
                   {
-                      EXPECT_EQ(nullptr, ShowBox(L"", L"", nullptr, page));
+                      Answer second = {true, {L"?"}};
+                      EXPECT_EQ(nullptr, ShowBox(L"", L"", nullptr, page, second));
+                      EXPECT_FALSE(second.isAccepted);
                       EXPECT_TRUE(IsWindow(box.window));
                       PostThreadMessageW(thread, WM_QUIT, 7, 0);
                   }));
-    EXPECT_FALSE(WasAccepted());
+    EXPECT_FALSE(answer.isAccepted);
     MSG message = {};
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(7U, message.wParam);

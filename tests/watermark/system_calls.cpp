@@ -4,8 +4,6 @@
 #include <mutex>
 #include <set>
 #include <tuple>
-#include <type_traits>
-#include <utility>
 
 namespace tsypr::test
 {
@@ -24,8 +22,8 @@ enum class Effect
 };
 
 std::mutex g_lock; // the windows of other threads are nobody's concern, but their calls come here too
-std::map<std::string, int> g_failures;
-std::vector<std::string> g_calls;
+std::map<std::string, int, std::less<>> g_failures;
+std::vector<std::string>* g_calls = nullptr;
 std::multiset<const void*> g_live;
 
 bool Fails(const char* name)
@@ -35,31 +33,30 @@ bool Fails(const char* name)
     return failure != g_failures.end() && --failure->second == 0;
 }
 
-// Whatever a call takes and returns, as the ledger knows it; null for what is no handle.
-template <typename Value>
-const void* AsHandle(Value value)
+void Note(const char* name)
 {
-    if constexpr (std::is_pointer_v<Value> && !std::is_function_v<std::remove_pointer_t<Value>>)
+    const std::lock_guard lock(g_lock);
+    if (g_calls != nullptr)
     {
-        return value;
-    }
-    else
-    {
-        return nullptr;
+        g_calls->emplace_back(name);
     }
 }
 
-void Note(const char* name, Effect effect, const void* result, const void* last)
+void Created(const void* object)
 {
     const std::lock_guard lock(g_lock);
-    g_calls.emplace_back(name);
-    if (effect == Effect::Creates && result != nullptr)
+    if (object != nullptr)
     {
-        g_live.insert(result);
+        g_live.insert(object);
     }
-    else if (effect == Effect::Deletes && g_live.contains(last))
+}
+
+void Deleted(const void* object)
+{
+    const std::lock_guard lock(g_lock);
+    if (const auto live = g_live.find(object); live != g_live.end())
     {
-        g_live.erase(g_live.find(last));
+        g_live.erase(live);
     }
 }
 
@@ -79,7 +76,15 @@ struct Call<Result(WINAPI*)(Arguments...)>
         }
         const Result result = real(arguments...);
         const DWORD error = GetLastError();
-        Note(name, effect, AsHandle(result), AsHandle(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...))));
+        Note(name);
+        if constexpr (effect == Effect::Creates)
+        {
+            Created(result);
+        }
+        if constexpr (effect == Effect::Deletes)
+        {
+            Deleted(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...)));
+        }
         SetLastError(error);
         return result;
     }
@@ -92,9 +97,9 @@ void FailCall(const std::string& function, int n)
     g_failures[function] = n;
 }
 
-std::vector<std::string> TakeCalls()
+void NoteCalls(std::vector<std::string>* calls)
 {
-    return std::exchange(g_calls, {});
+    g_calls = calls;
 }
 
 size_t LiveObjects()
@@ -123,12 +128,14 @@ TESSARY_CALL(CreateCompatibleBitmap, Creates, nullptr)
 TESSARY_CALL(CreateCompatibleDC, Creates, nullptr)
 TESSARY_CALL(CreateDIBSection, Creates, nullptr)
 TESSARY_CALL(CreateFontIndirectW, Creates, nullptr)
+TESSARY_CALL(CreateThread, None, nullptr)
 TESSARY_CALL(CreateWindowExW, None, nullptr)
 TESSARY_CALL(DeleteDC, Deletes, FALSE)
 TESSARY_CALL(DeleteObject, Deletes, FALSE)
 TESSARY_CALL(GetDC, Creates, nullptr)
 TESSARY_CALL(GetObjectW, None, 0)
 TESSARY_CALL(LoadImageW, Creates, nullptr)
+TESSARY_CALL(RegCreateKeyExW, None, LSTATUS{ERROR_ACCESS_DENIED})
 TESSARY_CALL(RegisterClassExW, None, ATOM{0})
 TESSARY_CALL(ReleaseDC, Deletes, 0)
 TESSARY_CALL(SelectObject, None, nullptr)

@@ -16,8 +16,8 @@ namespace tsypr::test
 // Makes the nth next call of the function, counted from 1, fail.
 void FailCall(const std::string& function, int n = 1);
 
-// The calls since the last time, by name.
-std::vector<std::string> TakeCalls();
+// Where the calls are noted by name from now on; null: nowhere.
+void NoteCalls(std::vector<std::string>* calls);
 
 // The objects and device contexts that were made and not given back.
 size_t LiveObjects();

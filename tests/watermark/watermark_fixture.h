@@ -8,6 +8,7 @@
 #include "watermark/gdi_owners.h"
 #include "watermark/watermark_block.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -15,8 +16,6 @@
 
 namespace tsypr::test
 {
-
-using Calls = std::vector<std::string>;
 
 inline WatermarkBlock Block(const std::wstring& text, LONG height = -48, COLORREF color = RGB(255, 0, 0))
 {
@@ -58,7 +57,6 @@ protected:
     {
         ResourceModule = LoadLibraryW(L"tsyprUI_en_us_409.dll");
         EXPECT_NE(nullptr, ResourceModule);
-        TakeCalls();
     }
     ~WatermarkTest() override
     {
