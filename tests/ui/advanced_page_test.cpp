@@ -41,29 +41,21 @@ TEST_F(AdvancedPage, OffersAsManyCopiesAsThePrinterMakes)
 {
     const std::string none = "error AdvancedProc, failed to get DC_COPIES capability.";
     const std::string closed = "error DrvDeviceCapabilities, failed to open remote printer Office Laser.";
-    struct Case
+    const std::tuple<bool, int32_t, short, DWORD, const char*, Messages> cases[] = {
+        {true, 50, 7, 0x10032, "7", {}},
+        {true, -1, 1, 0x10001, "1", {none}},
+        {true, 999, 0, 0x103E7, "1", {}},
+        {false, 50, 2, 0x10001, "2", {closed, none}}};
+    for (const auto& [opens, answer, copies, range, text, errors] : cases)
     {
-        bool opens;
-        int32_t answer;
-        short copies;
-        DWORD range; // upper end in the low word
-        const char* text;
-        Messages errors;
-    };
-    const Case cases[] = {{true, 50, 7, 0x10032, "7", {}},
-                          {true, -1, 1, 0x10001, "1", {none}},
-                          {true, 999, 0, 0x103E7, "1", {}},
-                          {false, 50, 2, 0x10001, "2", {closed, none}}};
-    for (const Case& one : cases)
-    {
-        service.opens = one.opens;
-        service.capabilities[DC_COPIES] = Answer(one.answer);
-        dm->dmCopies = one.copies;
+        service.opens = opens;
+        service.capabilities[DC_COPIES] = Answer(answer);
+        dm->dmCopies = copies;
         OpenPage();
-        EXPECT_EQ(static_cast<LRESULT>(one.range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
-        EXPECT_EQ(one.text, Copies());
-        EXPECT_EQ(std::max<int>(one.copies, 1), context.copies);
-        EXPECT_EQ(one.errors, Lines("error"));
+        EXPECT_EQ(static_cast<LRESULT>(range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
+        EXPECT_EQ(text, Copies());
+        EXPECT_EQ(std::max<int>(copies, 1), context.copies);
+        EXPECT_EQ(errors, Lines("error"));
     }
     EXPECT_EQ(3, Send(IDC_COPIES, EM_GETLIMITTEXT));
     EXPECT_EQ(L"Copies:", SpokenName(IDC_COPIES_SPIN));

@@ -43,7 +43,7 @@ protected:
     }
     std::string Indices() const
     {
-        return Numbers(context.pagesPerSheet, context.nupDirectionIndex, context.stapleIndex, context.punchIndex);
+        return Numbers({context.pagesPerSheet, context.nupDirectionIndex, context.stapleIndex, context.punchIndex});
     }
 };
 
@@ -74,20 +74,20 @@ TEST_F(Context, LoadsTheFieldsThatAreSet)
         EXPECT_EQ(Messages{}, Initialise());
         EXPECT_EQ(Messages{}, service.TakeCalls());
         EXPECT_EQ(values,
-                  Numbers(context.paperSource,
-                          context.paperSize,
-                          context.customPaperWidth,
-                          context.customPaperLength,
-                          context.mediaType,
-                          context.orientation,
-                          context.duplex,
-                          context.color,
-                          context.printQuality,
-                          context.yResolution,
-                          context.copies));
+                  Numbers({context.paperSource,
+                           context.paperSize,
+                           context.customPaperWidth,
+                           context.customPaperLength,
+                           context.mediaType,
+                           context.orientation,
+                           context.duplex,
+                           context.color,
+                           context.printQuality,
+                           context.yResolution,
+                           context.copies}));
         EXPECT_EQ((fields & DM_FORMNAME) != 0 ? std::wstring(31, L'f') : L"", context.formName);
         EXPECT_EQ("3 1 1 1",
-                  Numbers(context.compression, context.printChoice, context.showPreDialog, context.printAsImage));
+                  Numbers({context.compression, context.printChoice, context.showPreDialog, context.printAsImage}));
         EXPECT_EQ("0 0 0 0", Indices());
     }
 }
@@ -100,7 +100,7 @@ TEST_F(Context, HasAWatermarkOfItsOwnWhereThereIsNone)
     EXPECT_STREQ(L"No Watermark", watermark.text);
     EXPECT_STREQ(L"Times New Roman", watermark.font.lfFaceName);
     EXPECT_EQ("96 700 255 0",
-              Numbers(watermark.font.lfHeight, watermark.font.lfWeight, watermark.color, watermark.pointSize));
+              Numbers({watermark.font.lfHeight, watermark.font.lfWeight, watermark.color, watermark.pointSize}));
     std::memset(dm.Private().watermark, 0x5A, kWatermarkBytes);
     Initialise();
     EXPECT_EQ(0, std::memcmp(&watermark, dm.Private().watermark, kWatermarkBytes));

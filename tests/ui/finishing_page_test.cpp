@@ -15,7 +15,7 @@ protected:
     }
     std::string Indices() const
     {
-        return Numbers(context.stapleIndex, context.punchIndex);
+        return Numbers({context.stapleIndex, context.punchIndex});
     }
 };
 

@@ -47,12 +47,12 @@ protected:
     }
     std::string Chosen() const
     {
-        return Numbers(context.paperSource,
-                       context.paperSize,
-                       context.mediaType,
-                       context.color,
-                       context.printQuality,
-                       context.yResolution);
+        return Numbers({context.paperSource,
+                        context.paperSize,
+                        context.mediaType,
+                        context.color,
+                        context.printQuality,
+                        context.yResolution});
     }
 };
 
@@ -154,28 +154,21 @@ TEST_F(PaperPage, DisablesWhatThePrinterDoesNotTell)
 
 TEST_F(PaperPage, OffersColor)
 {
-    struct Case
+    const std::tuple<DWORD, uint32_t, int32_t, short, const char*> cases[] = {
+        {DM_COLOR, kLockedColor, 1, 2, "x >Color"},
+        {DM_COLOR, kLockedColor, 1, 1, "x >Black/White"},
+        {DM_COLOR, kLockedColor, 1, 7, "x "},
+        {0, kLockedColor, 1, 1, ">Black/White|Color"},
+        {DM_COLOR, 0, 0, 2, "x >Black/White"},
+        {DM_COLOR, 0, 1, 0, "Black/White|>Color"}};
+    for (const auto& [fields, locked, answer, color, list] : cases)
     {
-        DWORD fields;
-        uint32_t locked;
-        int32_t answer;
-        short color;
-        const char* list;
-    };
-    const Case cases[] = {{DM_COLOR, kLockedColor, 1, 2, "x >Color"},
-                          {DM_COLOR, kLockedColor, 1, 1, "x >Black/White"},
-                          {DM_COLOR, kLockedColor, 1, 7, "x "},
-                          {0, kLockedColor, 1, 1, ">Black/White|Color"},
-                          {DM_COLOR, 0, 0, 2, "x >Black/White"},
-                          {DM_COLOR, 0, 1, 0, "Black/White|>Color"}};
-    for (const Case& one : cases)
-    {
-        dm->dmFields = one.fields;
-        dm->dmColor = one.color;
-        dm.Private().lockedSettings = one.locked;
-        service.capabilities[DC_COLORDEVICE] = Answer(one.answer);
+        dm->dmFields = fields;
+        dm->dmColor = color;
+        dm.Private().lockedSettings = locked;
+        service.capabilities[DC_COLORDEVICE] = Answer(answer);
         OpenPage();
-        EXPECT_EQ(one.list, List(IDC_COLOR));
+        EXPECT_EQ(list, List(IDC_COLOR));
     }
 }
 
@@ -207,7 +200,7 @@ TEST_F(PaperPage, OffersQualityLevelsOrResolutions)
         EXPECT_EQ(one.invalid ? Messages{"error PopulateDPIs, invalid max DPI level GPO"} : Messages{}, Lines("DPI "));
     }
     Choose(IDC_PRINT_QUALITY, 2);
-    EXPECT_EQ("-3 600", Numbers(context.printQuality, context.yResolution));
+    EXPECT_EQ("-3 600", Numbers({context.printQuality, context.yResolution}));
 }
 
 TEST_F(PaperPage, HidesTheMediaTypeUnlessTheAdministratorOffersIt)

@@ -90,15 +90,6 @@ public:
     {
         return *reinterpret_cast<UIContext*>(info.UserData);
     }
-    std::vector<int> Templates() const
-    {
-        std::vector<int> templates;
-        for (const Page& page : pages)
-        {
-            templates.push_back(static_cast<int>(reinterpret_cast<uintptr_t>(page.record.pszTemplate)));
-        }
-        return templates;
-    }
 
     struct Page
     {
@@ -107,8 +98,8 @@ public:
     };
     PROPSHEETUI_INFO info = {};
     std::vector<Page> pages;
-    std::vector<int> refused; // templates of pages that are not taken
-    size_t results = 0;
+    std::vector<int> templates; // of the pages
+    std::vector<int> refused;   // templates of pages that are not taken
 
 private:
     static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
@@ -122,7 +113,6 @@ private:
         }
         EXPECT_EQ(unsigned{CPSFUNC_SET_RESULT}, function);
         EXPECT_TRUE(first >= 1 && static_cast<size_t>(first) <= s_sheet->pages.size());
-        ++s_sheet->results;
         return s_sheet->TellResult(second);
     }
 
@@ -144,6 +134,7 @@ private:
         }
         info.Result = 0x5A; // the driver sets it to 0
         pages.push_back({record, nullptr});
+        templates.push_back(id);
         return static_cast<LONG_PTR>(pages.size());
     }
 

@@ -71,42 +71,32 @@ protected:
 
 TEST_F(WatermarkPage, OpensWithTheDeviceModesText)
 {
-    struct Case
+    std::vector<std::tuple<std::wstring, int, int, std::wstring>> cases = {{L"", -1, 0, L"No Watermark"},
+                                                                           {L"no watermark", 0, 0, L"no watermark"},
+                                                                           {L"Confidential", 1, 1, L"Confidential"},
+                                                                           {L"top secret", 2, 2, L"top secret"}};
+    for (const std::wstring& text : kOddTexts)
     {
-        std::wstring text;
-        int found = -1;
-        int selected = 3;
-        std::wstring inContext = L"(unchanged)";
-    };
-    const Case cases[] = {{L"", -1, 0, L"No Watermark"},
-                          {L"no watermark", 0, 0, L"no watermark"},
-                          {L"Confidential", 1, 1, L"Confidential"},
-                          {L"top secret", 2, 2, L"top secret"},
-                          {L"Mine"},
-                          {std::wstring(127, L'x')},
-                          {std::wstring(128, L'x')},
-                          {L"e\u0301a\u0308\u0323"},
-                          {L"\u05E9\u05DC\u05D5\u05DD"},
-                          {L"\U0001F600\U00020BB7"},
-                          {L"\xD800x"}};
-    for (const Case& c : cases)
+        cases.emplace_back(text, -1, 3, L"(unchanged)");
+    }
+    for (const auto& [text, found, selected, inContext] : cases)
     {
-        WatermarkBlock block = Block(c.text, -25);
+        WatermarkBlock block = Block(text, -25);
         std::memcpy(dm.Private().watermark, &block, sizeof(block));
         context.watermark = Block(L"(unchanged)");
         log.Take();
         Open(IDD_WATERMARK, WatermarkProc);
-        EXPECT_EQ("verbose InitializeWatermarkText, get index: " + std::to_string(c.found) + ".", log.Take().front());
-        EXPECT_EQ(c.selected, Send(IDC_WATERMARK_TEXT, CB_GETCURSEL));
-        EXPECT_EQ(c.inContext, context.watermark.text);
+        EXPECT_EQ("verbose InitializeWatermarkText, get index: " + std::to_string(found) + ".", log.Take().front());
+        EXPECT_EQ(selected, Send(IDC_WATERMARK_TEXT, CB_GETCURSEL));
+        EXPECT_EQ(inContext, context.watermark.text);
         std::vector<std::wstring> texts = kBuiltIn;
-        texts.insert(texts.end(), c.selected == 3 ? 1 : 0, c.text.substr(0, 127));
+        texts.insert(texts.end(), selected == 3 ? 1 : 0, text.substr(0, 127));
         EXPECT_EQ(texts, Texts());
-        EXPECT_EQ(c.selected != 0, HasInk());
+        EXPECT_EQ(selected != 0, HasInk());
         // Drawing rounded the height of the font; nothing else changed but the angle.
         WatermarkBlock after = {};
         std::memcpy(&after, dm.Private().watermark, sizeof(after));
-        EXPECT_EQ(c.selected != 0 ? -24 : -25, after.font.lfHeight);
+        EXPECT_EQ(selected != 0 ? -24 : -25, after.font.lfHeight);
         EXPECT_EQ(-48, context.watermark.font.lfHeight);
         after.font = block.font;
         EXPECT_EQ(0, std::memcmp(&after, &block, sizeof(block)));
@@ -224,7 +214,7 @@ TEST_F(WatermarkPage, TakesTheFontOnlyWhenItsDialogIsConfirmed)
         {
             EXPECT_EQ(sizeof(CHOOSEFONTW), options.lStructSize);
             EXPECT_EQ(dialog, options.hwndOwner);
-            EXPECT_EQ("321 360 255", Numbers(options.Flags, options.iPointSize, options.rgbColors));
+            EXPECT_EQ("321 360 255", Numbers({options.Flags, options.iPointSize, options.rgbColors}));
             EXPECT_STREQ(L"Times New Roman", options.lpLogFont->lfFaceName);
             options.lpLogFont->lfHeight = -30;
             options.iPointSize = 225;
@@ -238,7 +228,7 @@ TEST_F(WatermarkPage, TakesTheFontOnlyWhenItsDialogIsConfirmed)
     }
     EXPECT_EQ("verbose WatermarkProc, fontsize: 225, font height: -30 .", log.Take().front());
     EXPECT_EQ("-30 225 16711680",
-              Numbers(context.watermark.font.lfHeight, context.watermark.pointSize, context.watermark.color));
+              Numbers({context.watermark.font.lfHeight, context.watermark.pointSize, context.watermark.color}));
     EXPECT_TRUE(HasInk());
 }
 
@@ -298,7 +288,7 @@ TEST_F(WatermarkPage, DrawsThePreviewAtTheSizeOfItsControl)
             if (index != 0)
             {
                 const Pixels pixels(Preview());
-                EXPECT_EQ(Numbers(size.cx, size.cy), Numbers(pixels.width, pixels.height));
+                EXPECT_EQ(Numbers({size.cx, size.cy}), Numbers({pixels.width, pixels.height}));
             }
             SetWindowPos(control, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOZORDER);
         }

@@ -1,5 +1,6 @@
 #include "tests/watermark/system_calls.h"
 
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
@@ -22,42 +23,19 @@ enum class Effect
 };
 
 std::mutex g_lock; // the windows of other threads are nobody's concern, but their calls come here too
-std::map<std::string, int, std::less<>> g_failures;
-std::vector<std::string>* g_calls = nullptr;
+std::map<std::string, int> g_failures;
+std::string* g_calls = nullptr;
 std::multiset<const void*> g_live;
 
 bool Fails(const char* name)
 {
     const std::lock_guard lock(g_lock);
-    const auto failure = g_failures.find(name);
-    return failure != g_failures.end() && --failure->second == 0;
-}
-
-void Note(const char* name)
-{
-    const std::lock_guard lock(g_lock);
     if (g_calls != nullptr)
     {
-        g_calls->emplace_back(name);
+        *g_calls += std::string(name) + ' ';
     }
-}
-
-void Created(const void* object)
-{
-    const std::lock_guard lock(g_lock);
-    if (object != nullptr)
-    {
-        g_live.insert(object);
-    }
-}
-
-void Deleted(const void* object)
-{
-    const std::lock_guard lock(g_lock);
-    if (const auto live = g_live.find(object); live != g_live.end())
-    {
-        g_live.erase(live);
-    }
+    const auto failure = g_failures.find(name);
+    return failure != g_failures.end() && --failure->second == 0;
 }
 
 template <typename Function>
@@ -69,21 +47,19 @@ struct Call<Result(WINAPI*)(Arguments...)>
     template <auto& real, auto& name, Effect effect, auto failure>
     static Result WINAPI Run(Arguments... arguments)
     {
-        if (Fails(name))
-        {
-            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-            return failure;
-        }
-        const Result result = real(arguments...);
-        const DWORD error = GetLastError();
-        Note(name);
+        const bool fails = Fails(name);
+        const Result result = fails ? failure : real(arguments...);
+        const DWORD error = fails ? ERROR_NOT_ENOUGH_MEMORY : GetLastError();
+        const std::lock_guard lock(g_lock);
         if constexpr (effect == Effect::Creates)
         {
-            Created(result);
+            g_live.insert(result);
+            g_live.erase(nullptr);
         }
         if constexpr (effect == Effect::Deletes)
         {
-            Deleted(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...)));
+            const auto live = g_live.find(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...)));
+            g_live.erase(live, live != g_live.end() ? std::next(live) : live);
         }
         SetLastError(error);
         return result;
@@ -97,7 +73,7 @@ void FailCall(const std::string& function, int n)
     g_failures[function] = n;
 }
 
-void NoteCalls(std::vector<std::string>* calls)
+void NoteCalls(std::string* calls)
 {
     g_calls = calls;
 }

@@ -2,13 +2,9 @@
 #ifndef TESSARY_TESTS_WATERMARK_WATERMARK_FIXTURE_H
 #define TESSARY_TESTS_WATERMARK_WATERMARK_FIXTURE_H
 
-#include "module/interface_dll.h"
-#include "tests/remote/log_capture.h"
 #include "tests/watermark/system_calls.h"
-#include "watermark/gdi_owners.h"
 #include "watermark/watermark_block.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -48,25 +44,6 @@ struct Pixels
     int width;
     int height;
     std::vector<uint32_t> values; // 0x00RRGGBB
-};
-
-class WatermarkTest : public testing::Test
-{
-protected:
-    WatermarkTest()
-    {
-        ResourceModule = LoadLibraryW(L"tsyprUI_en_us_409.dll");
-        EXPECT_NE(nullptr, ResourceModule);
-    }
-    ~WatermarkTest() override
-    {
-        FreeLibrary(ResourceModule);
-        ResourceModule = nullptr;
-        g_dotsPerInch = 0;
-        g_chooseFont = nullptr;
-    }
-
-    LogCapture log;
 };
 
 } // namespace tsypr::test
