@@ -23,12 +23,6 @@ protected:
         log.Take();
         Open(IDD_ADVANCED, AdvancedProc);
     }
-    std::string Copies() const
-    {
-        char text[16] = {};
-        GetDlgItemTextA(dialog, IDC_COPIES, text, sizeof(text));
-        return text;
-    }
     // The four buttons of the page, in their order.
     std::string Buttons() const
     {
@@ -41,11 +35,11 @@ TEST_F(AdvancedPage, OffersAsManyCopiesAsThePrinterMakes)
 {
     const std::string none = "error AdvancedProc, failed to get DC_COPIES capability.";
     const std::string closed = "error DrvDeviceCapabilities, failed to open remote printer Office Laser.";
-    const std::tuple<bool, int32_t, short, DWORD, const char*, Messages> cases[] = {
-        {true, 50, 7, 0x10032, "7", {}},
-        {true, -1, 1, 0x10001, "1", {none}},
-        {true, 999, 0, 0x103E7, "1", {}},
-        {false, 50, 2, 0x10001, "2", {closed, none}}};
+    const std::tuple<bool, int32_t, short, DWORD, const wchar_t*, Messages> cases[] = {
+        {true, 50, 7, 0x10032, L"7", {}},
+        {true, -1, 1, 0x10001, L"1", {none}},
+        {true, 999, 0, 0x103E7, L"1", {}},
+        {false, 50, 2, 0x10001, L"2", {closed, none}}};
     for (const auto& [opens, answer, copies, range, text, errors] : cases)
     {
         service.opens = opens;
@@ -53,7 +47,7 @@ TEST_F(AdvancedPage, OffersAsManyCopiesAsThePrinterMakes)
         dm->dmCopies = copies;
         OpenPage();
         EXPECT_EQ(static_cast<LRESULT>(range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
-        EXPECT_EQ(text, Copies());
+        EXPECT_EQ(text, SpokenName(IDC_COPIES));
         EXPECT_EQ(std::max<int>(copies, 1), context.copies);
         EXPECT_EQ(errors, Lines("error"));
     }
@@ -173,17 +167,16 @@ TEST_F(AdvancedPage, KeepsPrivateSettingsOffWhereTheyHaveNoPlace)
     dm.Private().featureBitmap = 0;
     OpenPage();
     EXPECT_EQ("on, off, x off, x off", Buttons()) << "without the features";
-    SetCurrentDriverName(L"Another Driver");
-    OpenPage();
-    EXPECT_EQ("x on, x off, x off, x off", Buttons());
-    EXPECT_EQ("x ", List(IDC_COMPRESSION));
-    SetCurrentDriverName(kOwnDriverName);
-    dm.Private().signature = 0;
-    const Bytes before = dm.Whole();
-    OpenPage();
-    EXPECT_EQ("x on, x off, x off, x off", Buttons());
-    EXPECT_EQ("x ", List(IDC_COMPRESSION));
-    EXPECT_EQ(before, dm.Whole());
+    for (const bool ownDriver : {false, true}) // another driver's printer, and one without a private block
+    {
+        SetCurrentDriverName(ownDriver ? kOwnDriverName : L"Another Driver");
+        dm.Private().signature = ownDriver ? 0 : kPrivateDevModeSignature;
+        const Bytes before = dm.Whole();
+        OpenPage();
+        EXPECT_EQ("x on, x off, x off, x off", Buttons());
+        EXPECT_EQ("x ", List(IDC_COMPRESSION));
+        EXPECT_EQ(before, dm.Whole());
+    }
     dm.Private().signature = kPrivateDevModeSignature;
     dm.Private().compression = 0xFFFFFFFF;
     OpenPage();
