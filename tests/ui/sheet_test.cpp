@@ -206,22 +206,11 @@ TEST_F(Sheet, CarriesAnyWatermark)
 
 TEST_F(Sheet, KeepsWhatCannotBeChosen)
 {
-    struct Case
-    {
-        uint32_t features;
-        int32_t index;
-        const wchar_t* printer;
-        uint32_t pages; // that come out
-        DWORD lock;
-        int16_t paper;
-        int32_t width;
-        int32_t length;
-        bool dimensions; // that come out
-    };
-    const Case cases[] = {{kEveryFeature, -1, L"Office Laser", 9, 1, 256, 500, 600, true},
-                          {kEveryFeature, 2, L"Office Laser", 9, 1, 256, 0, 600, false},
-                          {kEveryFeature, 0, L"Unknown", 9, 1, 256, 500, 0, false},
-                          {0, 0, L"Office Laser", 4, 0, 9, 500, 600, false}};
+    const std::tuple<uint32_t, int32_t, const wchar_t*, uint32_t, DWORD, int16_t, int32_t, int32_t, bool> cases[] = {
+        {kEveryFeature, -1, L"Office Laser", 9, 1, 256, 500, 600, true},
+        {kEveryFeature, 2, L"Office Laser", 9, 1, 256, 0, 600, false},
+        {kEveryFeature, 0, L"Unknown", 9, 1, 256, 500, 0, false},
+        {0, 0, L"Office Laser", 4, 0, 9, 500, 600, false}};
     constexpr DWORD kDimensions = DM_PAPERLENGTH | DM_PAPERWIDTH;
     PrivateDevMode& block = dm.Private();
     for (WideField<kKeywordChars>* keyword : {&block.nupLayout, &block.staple, &block.punch})
@@ -229,27 +218,27 @@ TEST_F(Sheet, KeepsWhatCannotBeChosen)
         keyword->Write(L"kept");
     }
     dm->dmFields |= kDimensions;
-    for (const Case& one : cases)
+    for (const auto& [features, index, printer, pages, lock, paper, width, length, dimensions] : cases)
     {
-        SetMachine(kPolicyKeyW, L"DisablePrintChoice", one.lock);
-        block.featureBitmap = one.features;
+        SetMachine(kPolicyKeyW, L"DisablePrintChoice", lock);
+        block.featureBitmap = features;
         service.devMode = dm.Whole();
         FakeSheet sheet(header);
         sheet.Open();
         UIContext& chosen = sheet.Context();
         chosen.pagesPerSheet = 9;
-        chosen.nupDirectionIndex = chosen.stapleIndex = chosen.punchIndex = one.index;
-        chosen.paperSize = one.paper;
-        chosen.customPaperWidth = one.width;
-        chosen.customPaperLength = one.length;
+        chosen.nupDirectionIndex = chosen.stapleIndex = chosen.punchIndex = index;
+        chosen.paperSize = paper;
+        chosen.customPaperWidth = width;
+        chosen.customPaperLength = length;
         chosen.printChoice = 1;
-        wcscpy(chosen.printerName, one.printer);
+        wcscpy(chosen.printerName, printer);
         sheet.TellResult(CPSUI_OK);
         EXPECT_EQ(L"kept kept kept", Keywords());
-        EXPECT_EQ(one.pages, out.Private().pagesPerSheet);
-        EXPECT_EQ(one.dimensions ? kDimensions : 0U, out->dmFields & kDimensions);
-        EXPECT_TRUE(!one.dimensions || (out->dmPaperWidth == 500 && out->dmPaperLength == 600));
-        EXPECT_EQ(one.lock != 0 ? 0xDEAD : 1U, StoredChoice());
+        EXPECT_EQ(pages, out.Private().pagesPerSheet);
+        EXPECT_EQ(dimensions ? kDimensions : 0U, out->dmFields & kDimensions);
+        EXPECT_TRUE(!dimensions || (out->dmPaperWidth == 500 && out->dmPaperLength == 600));
+        EXPECT_EQ(lock != 0 ? 0xDEAD : 1U, StoredChoice());
         EXPECT_EQ(1U, out.Private().printTargetChoice);
     }
 }

@@ -47,15 +47,7 @@ protected:
 
 TEST(WatermarkPlacement, HasTheGoldenNumbers)
 {
-    const struct
-    {
-        int width, height, fontHeight;
-        uint32_t units;
-        double angle;
-        LONG escapement;
-        int x, y;
-        bool isExceed;
-    } cases[] = {
+    const std::tuple<int, int, int, uint32_t, double, LONG, int, int, bool> cases[] = {
         {600, 800, 48, 12, 53.1301024, 531, 276, 368, false},
         {500, 500, 48, 12, 45.0000000514, 450, 226, 226, false},
         {101, 77, 25, 3, 37.3210362, 373, 38, 28, false},
@@ -67,16 +59,16 @@ TEST(WatermarkPlacement, HasTheGoldenNumbers)
         {168, 224, 1 << 30, 4, 53.1301024, 531, 84 - (1 << 29), -715827770, false}, // a length of 2^32 counts as none
         {40000, 40000, 10, 127, 45.0, 450, 19995, 19995, false},                    // so does this page's diagonal
     };
-    for (const auto& c : cases)
+    for (const auto& [width, height, fontHeight, units, angle, escapement, x, y, isExceed] : cases)
     {
-        SCOPED_TRACE(testing::Message() << c.width << "x" << c.height << ", " << c.units << " of " << c.fontHeight);
-        const TextPlacement place = PlaceText(c.width, c.height, c.fontHeight, c.units);
-        EXPECT_NEAR(c.angle, place.angle, 1e-7);
-        EXPECT_EQ(c.escapement, place.escapement);
-        EXPECT_EQ(c.x, place.x);
-        EXPECT_EQ(c.y, place.y);
-        EXPECT_EQ(c.isExceed ? 0U : 6U, place.alignment);
-        EXPECT_EQ(c.isExceed, place.isExceed);
+        SCOPED_TRACE(testing::Message() << width << "x" << height << ", " << units << " of " << fontHeight);
+        const TextPlacement place = PlaceText(width, height, fontHeight, units);
+        EXPECT_NEAR(angle, place.angle, 1e-7);
+        EXPECT_EQ(escapement, place.escapement);
+        EXPECT_EQ(x, place.x);
+        EXPECT_EQ(y, place.y);
+        EXPECT_EQ(isExceed ? 0U : 6U, place.alignment);
+        EXPECT_EQ(isExceed, place.isExceed);
     }
     EXPECT_NEAR(45.0000000514, PlaceText(9, 9, 1, 1).angle, 1e-10);
 }
