@@ -102,7 +102,7 @@ void ShowPreDialog(HWND dialog, const UIContext& context, DWORD choice) noexcept
     }
 }
 
-bool ShowPrintChoice(HWND dialog, UIContext& context)
+bool ShowPrintChoice(HWND dialog, UIContext& context) noexcept
 {
     const PrintChoicePolicy policy = ReadPrintChoice();
     // Without a private block the choice has no place to go to.
@@ -119,7 +119,7 @@ bool ShowPrintChoice(HWND dialog, UIContext& context)
         LogVerbose("%s, print choice is disabled and the default is %d driverName=%S.\n",
                    "ShowPrintChoice",
                    static_cast<int>(policy.choice),
-                   CurrentDriverName().c_str());
+                   CurrentDriverName().text);
         CheckChoice(dialog, IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, kPrintOnClient);
         SetChecked(dialog, IDC_PRE_DIALOG, false);
         return true;

@@ -144,28 +144,28 @@ void PopulateNup(HWND dialog, const DEVMODEW* dm, UIContext& context)
     const DropDownList order(dialog, IDC_PAGE_ORDER);
     context.pagesPerSheet = 0;
     context.nupDirectionIndex = -1;
+    // Enabled when they are filled: where memory runs out before that, confirming finds nothing to choose.
     for (const DropDownList& list : {pages, order})
     {
-        list.Enable();
+        list.Disable();
         list.Clear();
     }
     const PrivateDevMode* block = GetPrivateDevMode(dm);
     const NupCapability capability = NupOf(block, context);
     if (capability.pagesPerSheet.empty())
     {
-        pages.Disable();
-        order.Disable();
         return;
     }
     FillPagesPerSheet(pages, capability.pagesPerSheet, block->pagesPerSheet);
+    pages.Enable();
     context.pagesPerSheet = block->pagesPerSheet;
     if (capability.directions.empty())
     {
-        order.Disable();
         return;
     }
     const auto chosen = block->nupLayout.Read();
     context.nupDirectionIndex = static_cast<int32_t>(FillPageOrder(order, capability.directions, chosen.text));
+    order.Enable();
 }
 
 void Open(HWND dialog, const PROPSHEETPAGEW& page)

@@ -8,6 +8,7 @@
 #include "remote/devmode_merge.h"
 #include "remote/printer_name.h"
 #include "ui/advanced_page.h"
+#include "ui/caller_buffers.h"
 #include "ui/document_property_header.h"
 #include "ui/driver_name.h"
 #include "ui/finishing_page.h"
@@ -104,19 +105,6 @@ void FindDriver(const PrinterName& name) noexcept
     SetCurrentDriverName(std::move(driver));
 }
 
-// The caller's output device mode, null if there is none. Without DM_OUT_BUFFER nothing is copied there first: memory
-// that holds no device mode of this printer is then as good as none.
-DEVMODEW* OutputOf(const DOCUMENTPROPERTYHEADER& header, const DEVMODEW* fetched) noexcept
-{
-    DEVMODEW* out = header.pdmOut;
-    const auto isLikeFetched = [out, fetched]
-    {
-        return out->dmSize == fetched->dmSize && out->dmDriverExtra == fetched->dmDriverExtra &&
-               (GetPrivateDevMode(out) != nullptr) == (GetPrivateDevMode(fetched) != nullptr);
-    };
-    return out != nullptr && ((header.fMode & DM_OUT_BUFFER) != 0 || isLikeFetched()) ? out : nullptr;
-}
-
 // Puts the caller's settings over the printer's, into the caller's output.
 bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* output, DEVMODEW* fetched, const PrinterName& name) noexcept
 {
@@ -124,7 +112,7 @@ bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* output, DEVMODEW* fet
     {
         return true;
     }
-    PrintUtils::DumpDevMode(header.pdmIn, L"PROPSHEETUI_REASON_INIT, dmIn:");
+    PrintUtils::DumpDevMode(InputOf(header, fetched), L"PROPSHEETUI_REASON_INIT, dmIn:");
     StorePrinterName(fetched, name);
     DEVMODEW* merged = output == nullptr && header.pdmOut != nullptr ? fetched : output;
     if (!MergeAndCopyDM(merged, header.pdmIn, fetched, header.fMode))
@@ -135,7 +123,10 @@ bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* output, DEVMODEW* fet
     return true;
 }
 
-UIContext* MakeContext(PROPSHEETUI_INFO& info, DEVMODEW* output, const SharedDevMode& fetched) noexcept
+UIContext* MakeContext(PROPSHEETUI_INFO& info,
+                       const DOCUMENTPROPERTYHEADER& header,
+                       DEVMODEW* output,
+                       const SharedDevMode& fetched) noexcept
 {
     auto* sheet = new (std::nothrow) OpenedSheet();
     if (sheet == nullptr)
@@ -144,7 +135,9 @@ UIContext* MakeContext(PROPSHEETUI_INFO& info, DEVMODEW* output, const SharedDev
         return nullptr;
     }
     sheet->fetched = fetched;
+    sheet->input = InputOf(header, fetched.get());
     sheet->output = output;
+    sheet->isReadOnly = (header.fMode & DM_NOPERMISSION) != 0;
     sheet->devMode = output != nullptr ? output : fetched.get();
     sheet->comPropSheet = info.pfnComPropSheet;
     sheet->comPropSheetHandle = info.hComPropSheet;
@@ -184,7 +177,7 @@ LONG OpenSheet(PROPSHEETUI_INFO& info) noexcept
     {
         return 0;
     }
-    UIContext* context = MakeContext(info, output, fetched);
+    UIContext* context = MakeContext(info, *header, output, fetched);
     if (context == nullptr)
     {
         return 0;

@@ -9,13 +9,18 @@ namespace tsypr
 namespace
 {
 
-// Whether the window is a text; pictures are of the same class.
-bool IsLabel(HWND window) noexcept
+// Whether the window is a text or a picture.
+bool IsStatic(HWND window) noexcept
 {
     wchar_t name[16] = {};
     GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return _wcsicmp(name, L"Static") == 0;
+}
+
+bool IsLabel(HWND window) noexcept
+{
     const auto kind = static_cast<DWORD>(GetWindowLongW(window, GWL_STYLE)) & SS_TYPEMASK;
-    return _wcsicmp(name, L"Static") == 0 && kind <= SS_RIGHT;
+    return IsStatic(window) && kind <= SS_RIGHT;
 }
 
 } // namespace
@@ -34,6 +39,17 @@ void DropDownList::Enable(bool enabled) const noexcept
 void EnableControl(HWND dialog, int id, bool enabled) noexcept
 {
     EnableWindow(GetDlgItem(dialog, id), enabled ? TRUE : FALSE);
+}
+
+void DisableControls(HWND dialog) noexcept
+{
+    for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT))
+    {
+        if (!IsStatic(control))
+        {
+            EnableWindow(control, FALSE);
+        }
+    }
 }
 
 bool CheckChoice(HWND dialog, int first, int last, uint32_t choice) noexcept

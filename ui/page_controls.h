@@ -48,6 +48,9 @@ private:
 // Enables or disables a button.
 void EnableControl(HWND dialog, int id, bool enabled) noexcept;
 
+// Disables every control of the dialog but texts and pictures.
+void DisableControls(HWND dialog) noexcept;
+
 // Checks the radio button of the choice, 0 for `first`, and no other up to `last`. A choice that has no button checks
 // none: false, with the last error set to ERROR_INVALID_PARAMETER.
 bool CheckChoice(HWND dialog, int first, int last, uint32_t choice) noexcept;

@@ -19,7 +19,8 @@ namespace tsypr
 struct OpenedSheet : UIContext
 {
     SharedDevMode fetched;
-    DEVMODEW* output; // the caller's; null if there is none
+    DEVMODEW* input;  // the caller's; null if there is none
+    DEVMODEW* output; // likewise
 };
 
 // What the messages of all steps are logged under.

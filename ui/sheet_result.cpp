@@ -193,14 +193,13 @@ void WriteOutput(DEVMODEW* out, const DEVMODEW* dm, const UIContext& context) no
 LONG TakeResult(const PROPSHEETUI_INFO& info, const SETRESULT_INFO& result) noexcept
 {
     const auto* context = static_cast<const OpenedSheet*>(reinterpret_cast<const UIContext*>(info.UserData));
-    const auto* header = reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(info.lParamInit);
-    if (result.Result != CPSUI_OK || context == nullptr || header == nullptr)
+    if (result.Result != CPSUI_OK || context == nullptr || context->isReadOnly)
     {
         return 1;
     }
     DEVMODEW* dm = context->devMode;
     WritePublic(dm, *context);
-    WriteCopies(dm, header->pdmIn, *context);
+    WriteCopies(dm, context->input, *context);
     try
     {
         WritePrivate(dm, *context);

@@ -49,7 +49,8 @@ constexpr size_t kOffsets[] = {offsetof(UIContext, comPropSheet),
                                offsetof(UIContext, nupDirectionIndex),
                                offsetof(UIContext, stapleIndex),
                                offsetof(UIContext, punchIndex),
-                               offsetof(UIContext, watermark)};
+                               offsetof(UIContext, watermark),
+                               offsetof(UIContext, isReadOnly)};
 static_assert(std::is_sorted(std::begin(kOffsets), std::end(kOffsets)));
 
 // The options are asked for on a thread of their own because that needs a COM apartment, and the host's stays as it is.
@@ -131,13 +132,11 @@ void LoadFinishing(UIContext& context, const PrivateDevMode& block)
 
 void LoadNup(UIContext& context, const PrivateDevMode& block)
 {
-    context.pagesPerSheet = 0;
     context.nupDirectionIndex = 0;
     if ((block.featureBitmap & kFeatureNup) == 0)
     {
         return;
     }
-    context.pagesPerSheet = block.pagesPerSheet;
     if (const auto capability = NupCapabilities.Find(context.printerName))
     {
         context.nupDirectionIndex = PositionOf(block.nupLayout.Read().text, capability->directions);
@@ -169,6 +168,8 @@ void LoadPrivate(UIContext& context, const PrivateDevMode& block)
     context.printChoice = block.printTargetChoice;
     context.showPreDialog = block.isShowPreDlg;
     context.printAsImage = block.isPrintAsImage;
+    context.pagesPerSheet = (block.featureBitmap & kFeatureNup) != 0 ? block.pagesPerSheet : 0;
+    // These look into the maps, which takes memory, so they come last.
     LoadFinishing(context, block);
     LoadNup(context, block);
 }

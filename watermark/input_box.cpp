@@ -155,7 +155,8 @@ void BringUp(const OpenBox& box) noexcept
     SendMessageW(box.edit, EM_SETSEL, 0, -1);
     SendMessageW(box.edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
     SendMessageW(box.edit, EM_SETSEL, 0, -1);
-    SetFocus(box.edit);
+    // Where the edit could not be made, the box takes the keys, so that Escape closes it.
+    SetFocus(box.edit != nullptr ? box.edit : box.box);
     EnableWindow(box.owner, FALSE);
     ShowWindow(box.box, SW_SHOW);
     UpdateWindow(box.box);

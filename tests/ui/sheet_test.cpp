@@ -47,7 +47,7 @@ TEST_F(Sheet, HasItsPagesInOrder)
         EXPECT_EQ(1, sheet.Open());
         EXPECT_EQ(pages, sheet.templates);
         EXPECT_EQ(result, sheet.info.Result);
-        EXPECT_EQ(driver, CurrentDriverName());
+        EXPECT_STREQ(driver, CurrentDriverName().text);
         EXPECT_STREQ(L"Office Laser", sheet.Context().printerName);
         EXPECT_EQ(out.Get(), sheet.Context().devMode);
         EXPECT_EQ(L"Office Laser", Text(out.Private().printerName));
@@ -265,7 +265,10 @@ TEST_F(Sheet, LeavesMemoryAloneThatIsNoOutput)
         out.Private().signature = output == Valid ? kPrivateDevModeSignature : 0;
         header.pdmOut = output != None ? out.Get() : nullptr;
         header.fMode = mode;
+        // One unfilled buffer for both is no input either.
+        header.pdmIn = output == Garbage && mode == 0 ? out.Get() : in.Get();
         const Bytes before = out.Whole();
+        log.Take();
         FakeSheet sheet(header);
         ASSERT_EQ(1, sheet.Open());
         EXPECT_EQ(output == Valid, sheet.Context().devMode == out.Get());
@@ -275,7 +278,32 @@ TEST_F(Sheet, LeavesMemoryAloneThatIsNoOutput)
         EXPECT_EQ(DMPAPER_LETTER, sheet.Context().devMode->dmPaperSize);
         EXPECT_EQ(mode == 0 ? DMORIENT_PORTRAIT : DMORIENT_LANDSCAPE, sheet.Context().devMode->dmOrientation);
         EXPECT_EQ(output == Valid, before != out.Whole());
+        const std::string dumps = testing::PrintToString(log.Take());
+        EXPECT_EQ(header.pdmIn == in.Get(), dumps.find("SET_RESULT, dmIn:") != std::string::npos);
     }
+}
+
+// With DM_NOPERMISSION the pages show the settings, and the user changes nothing.
+TEST_F(Sheet, IsReadOnlyWithoutPermission)
+{
+    header.fMode |= DM_NOPERMISSION;
+    FakeSheet sheet(header);
+    ASSERT_EQ(1, sheet.Open());
+    sheet.Show();
+    const Bytes before = out.Whole();
+    for (const FakeSheet::Page& page : sheet.pages)
+    {
+        for (HWND control = GetWindow(page.dialog, GW_CHILD); control != nullptr;
+             control = GetWindow(control, GW_HWNDNEXT))
+        {
+            const bool takesKeys = (GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) != 0;
+            EXPECT_FALSE(takesKeys && IsWindowEnabled(control)) << GetDlgCtrlID(control);
+        }
+    }
+    sheet.Choose(IDC_ORIENTATION, 1);
+    sheet.PressOk();
+    EXPECT_EQ(before, out.Whole());
+    EXPECT_EQ(0xDEAD, StoredChoice());
 }
 
 TEST_F(Sheet, OpensWithoutAPrivateBlock)
