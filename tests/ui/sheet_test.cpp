@@ -291,9 +291,9 @@ TEST_F(Sheet, IsReadOnlyWithoutPermission)
     ASSERT_EQ(1, sheet.Open());
     sheet.Show();
     const Bytes before = out.Whole();
-    for (const FakeSheet::Page& page : sheet.pages)
+    for (const FakeSheet::Page& one : sheet.pages)
     {
-        for (HWND control = GetWindow(page.dialog, GW_CHILD); control != nullptr;
+        for (HWND control = GetWindow(one.dialog, GW_CHILD); control != nullptr;
              control = GetWindow(control, GW_HWNDNEXT))
         {
             const bool takesKeys = (GetWindowLongW(control, GWL_STYLE) & WS_TABSTOP) != 0;
