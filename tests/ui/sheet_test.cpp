@@ -278,8 +278,12 @@ TEST_F(Sheet, LeavesMemoryAloneThatIsNoOutput)
         EXPECT_EQ(DMPAPER_LETTER, sheet.Context().devMode->dmPaperSize);
         EXPECT_EQ(mode == 0 ? DMORIENT_PORTRAIT : DMORIENT_LANDSCAPE, sheet.Context().devMode->dmOrientation);
         EXPECT_EQ(output == Valid, before != out.Whole());
-        const std::string dumps = testing::PrintToString(log.Take());
-        EXPECT_EQ(header.pdmIn == in.Get(), dumps.find("SET_RESULT, dmIn:") != std::string::npos);
+        std::string lines;
+        for (const std::string& line : log.Take())
+        {
+            lines += line + "\n";
+        }
+        EXPECT_EQ(header.pdmIn == in.Get(), lines.find("SET_RESULT, dmIn:") != std::string::npos);
     }
 }
 
