@@ -34,27 +34,12 @@ namespace tsypr::test
 namespace
 {
 
-constexpr std::string_view kPieces[] = {"<",
-                                        "/>",
-                                        "</psf:Feature>",
-                                        "<psf:Feature name=\"psk:JobHolePunch\"><psf:Option name=\"",
-                                        "<psf:Option>",
-                                        "name=\"psk:PageScaling\"",
-                                        "<psf:Value>-99999999999</psf:Value>",
-                                        " xmlns:psf=\"'\"",
-                                        " xmlns:psf=\"\"",
-                                        "<!DOCTYPE a [<!ENTITY e \"&e;\">]>",
-                                        "<![CDATA[",
-                                        "]]>",
-                                        "<!--",
-                                        "&#0;",
-                                        "&lt;",
-                                        "\xFF\xFE",
-                                        "\xC0\x80",
-                                        "encoding=\"UTF-16\"",
-                                        "psk:AVeryLongOptionNameThatDoesNotFitIntoTheField",
-                                        "'",
-                                        "\""};
+// What is put in somewhere, by lines.
+constexpr std::string_view kPieces =
+    "<\n/>\n</psf:Feature>\n<psf:Feature name=\"psk:JobHolePunch\"><psf:Option name=\"\n<psf:Option>\n"
+    "name=\"psk:PageScaling\"\n<psf:Value>-99999999999</psf:Value>\n xmlns:psf=\"'\"\n xmlns:psf=\"\"\n"
+    "<!DOCTYPE a [<!ENTITY e \"&e;\">]>\n<![CDATA[\n]]>\n<!--\n&#0;\n&lt;\n\xFF\xFE\n\xC0\x80\nencoding=\"UTF-16\"\n"
+    "psk:AVeryLongOptionNameThatDoesNotFitIntoTheField\n'\n\"\n";
 
 class Mutator
 {
@@ -78,7 +63,7 @@ public:
                 text.erase(at, length);
                 break;
             case 1:
-                text.insert(at, kPieces[Below(std::size(kPieces))]);
+                text.insert(at, Piece());
                 break;
             case 2:
                 text.insert(Below(text.size() + 1), text.substr(at, length));
@@ -116,6 +101,12 @@ public:
     }
 
 private:
+    std::string_view Piece()
+    {
+        const size_t begin = kPieces.rfind('\n', Below(kPieces.size() - 1)) + 1; // npos is followed by 0
+        return kPieces.substr(begin, kPieces.find('\n', begin) - begin);
+    }
+
     std::mt19937 m_random;
 };
 
