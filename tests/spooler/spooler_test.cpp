@@ -1,5 +1,7 @@
 // The installed driver as applications meet it: through Windows' printing functions, for every printer that the build
 // knows, the imported ones included.
+#include <gmock/gmock.h>
+
 #include <atomic>
 #include <string>
 #include <thread>

@@ -1,6 +1,7 @@
 #include "tests/support/print_schema_checker.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <span>
@@ -138,6 +139,10 @@ struct Place
     const XmlElement& root;
     bool isTicket;
 
+    const std::string& Tag() const
+    {
+        return element.tag.local;
+    }
     const XmlAttribute* Attribute(const char* name) const
     {
         return element.FindAttribute({"", name});
@@ -198,7 +203,7 @@ bool HasUsualPrefixes(const Place& at)
 
 bool HasOnlyItsAttributes(const Place& at)
 {
-    const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, at.element.tag.local);
+    const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, at.Tag());
     const auto isOwn = [&](const XmlAttribute& attribute)
     {
         return (attribute.name.uri.empty() || attribute.name == service::TypeAttribute()) && rule != nullptr &&
@@ -211,125 +216,121 @@ bool IsAllowedHere(const Place& at)
 {
     const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, at.parent.tag.local);
     return at.element.tag.uri == service::kFrameworkUri &&
-           (&at.element == &at.root || (rule != nullptr && IsListed(rule->children, at.element.tag.local)));
-}
-
-bool HasPublicOption(const Place& at)
-{
-    const FeatureRule* rule = RuleOf(at.parent);
-    return !at.IsPublic() || rule == nullptr || rule->options.empty() || IsListed(rule->options, at.element.Name());
+           (&at.element == &at.root || (rule != nullptr && IsListed(rule->children, at.Tag())));
 }
 
 bool IsDefinedWhole(const Place& at)
 {
-    const auto number = [&](const char* name) { return Number(PropertyValue(at.element, name)); };
+    const auto value = [&](const char* name) { return PropertyValue(at.element, name); };
     for (const char* name : {"DataType", "DefaultValue", "MinValue", "MaxValue", "Multiple", "Mandatory", "UnitType"})
     {
-        if (PropertyValue(at.element, name) == nullptr)
+        if (value(name) == nullptr)
         {
             return false;
         }
     }
-    return IsListed(" Unconditional Conditional Optional ", PropertyValue(at.element, "Mandatory")->qualifiedText) &&
-           number("DefaultValue") >= number("MinValue") && number("DefaultValue") <= number("MaxValue");
+    const long long number = Number(value("DefaultValue"));
+    return IsListed(" Unconditional Conditional Optional ", value("Mandatory")->qualifiedText) &&
+           number >= Number(value("MinValue")) && number <= Number(value("MaxValue"));
 }
 
-struct Rule
-{
-    std::string_view elements; // empty: for all of them
-    bool (*isKept)(const Place& at);
-    const char* reason;
-};
+// Takes whether something is as it must be, and what is wrong otherwise.
+using Expect = std::function<void(bool isGood, const char* reason)>;
 
-constexpr Rule kRules[] = {
-    {"", IsAllowedHere, "is no element of the framework that may stand here"},
-    {"", HasOnlyItsAttributes, "has an attribute that is not its own"},
-    {"",
-     [](const Place& at) { return at.Attribute("name") == nullptr || at.Attribute("name")->qualified; },
-     "has a name without a declared prefix"},
-    {" Feature ParameterDef ParameterInit ParameterRef Property ScoredProperty ",
-     [](const Place& at) { return at.Attribute("name") != nullptr; },
-     "has no name"},
-    {"",
-     [](const Place& at)
-     { return !at.element.Name() || at.parent.FindChild(at.element.tag, *at.element.Name()) == &at.element; },
-     "is a second one"},
-    {"", [](const Place& at) { return at.element.text.empty() || at.element.tag == Psf("Value"); }, "has text"},
-    {" PrintTicket PrintCapabilities ", HasUsualPrefixes, "does not declare the usual prefixes"}, // some look for them
-    {" PrintTicket PrintCapabilities ",
-     [](const Place& at) { return at.Attribute("version") != nullptr && at.Attribute("version")->value == "1"; },
-     "needs version 1"},
-    {" Feature ",
-     [](const Place& at) { return Count(at.element, "Option") + Count(at.element, "Feature") > 0; },
-     "has neither options nor features"},
-    {" Feature ",
-     [](const Place& at) { return !at.isTicket || Count(at.element, "Option") <= 1; },
-     "has more than one option"},
-    {" Feature ",
-     [](const Place& at)
-     {
-         const XmlElement* selection = PropertyValue(at.element, "SelectionType");
-         return selection != nullptr ? IsListed(" PickOne PickMany ", selection->qualifiedText)
-                                     : at.isTicket || &at.parent != &at.root;
-     },
-     "has no selection type"},
-    {" Feature ",
-     [](const Place& at) { return !at.IsPublic() || RuleOf(at.element) != nullptr; },
-     "is no public feature"},
-    {" Feature ", IsAlone, "is there beside a feature that excludes it"},
-    {" Option ", HasPublicOption, "is no public option of this feature"},
-    {" Option ",
-     [](const Place& at) { return at.Attribute("name") != nullptr || Count(at.element, "ScoredProperty") > 0; },
-     "has neither a name nor a scored property"},
-    {" Option ",
-     [](const Place& at)
-     {
-         const XmlAttribute* constrained = at.Attribute("constrained");
-         return constrained == nullptr ||
-                (!at.isTicket &&
-                 IsListed(" None PrintTicketSettings AdminSettings DeviceSettings ", constrained->qualified));
-     },
-     "has a constraint in a ticket or an unknown one"},
-    {" Value ",
-     [](const Place& at) { return IsListed(" none string integer decimal QName ", at.Type()); },
-     "has an unknown type"},
-    {" Value ",
-     [](const Place& at)
-     {
-         return at.element.text.empty() || ((at.Type() != "integer" || IsInteger(at.element.text)) &&
-                                            (at.Type() != "QName" || at.element.qualifiedText));
-     },
-     "is not of its type"},
-    {" ParameterDef ", IsDefinedWhole, "lacks a property or has a default outside its range"},
-    {" ParameterDef ParameterInit ",
-     [](const Place& at) { return !at.IsPublic() || IsListed(kParameterNames, at.element.Name()); },
-     "is no public parameter"},
-    {" ParameterInit ", [](const Place& at) { return Count(at.element, "Value") == 1; }, "needs one value"},
-    {" ParameterRef ",
-     [](const Place& at)
-     {
-         const QName target = Psf(at.isTicket ? "ParameterInit" : "ParameterDef");
-         return at.element.Name() && at.root.FindChild(target, *at.element.Name()) != nullptr;
-     },
-     "refers to a parameter that is not there"},
-    {" ScoredProperty ",
-     [](const Place& at)
-     {
-         const std::size_t values = Count(at.element, "Value") + Count(at.element, "ParameterRef");
-         return values == 1 || (values == 0 && Count(at.element, "ScoredProperty") > 0);
-     },
-     "needs one value or one reference"},
-    {" Property ", [](const Place& at) { return !at.element.children.empty(); }, "holds nothing"}};
+void CheckAnything(const Place& at, const Expect& expect)
+{
+    const XmlAttribute* name = at.Attribute("name");
+    const std::optional<QName>& known = at.element.Name();
+    const bool isNamed =
+        IsListed(" Feature ParameterDef ParameterInit ParameterRef Property ScoredProperty ", at.Tag());
+    expect(IsAllowedHere(at), "is no element of the framework that may stand here");
+    expect(HasOnlyItsAttributes(at), "has an attribute that is not its own");
+    expect(name == nullptr || name->qualified, "has a name without a declared prefix");
+    expect(!isNamed || name != nullptr, "has no name");
+    expect(!known || at.parent.FindChild(at.element.tag, *known) == &at.element, "is a second one");
+    expect(at.element.text.empty() || at.Tag() == "Value", "has text");
+}
+
+void CheckRoot(const Place& at, const Expect& expect)
+{
+    const XmlAttribute* version = at.Attribute("version");
+    expect(HasUsualPrefixes(at), "does not declare the usual prefixes"); // some programs look for them
+    expect(version != nullptr && version->value == "1", "needs version 1");
+}
+
+void CheckFeature(const Place& at, const Expect& expect)
+{
+    const std::size_t options = Count(at.element, "Option");
+    const XmlElement* selection = PropertyValue(at.element, "SelectionType");
+    const bool isKnown = selection != nullptr ? IsListed(" PickOne PickMany ", selection->qualifiedText)
+                                              : at.isTicket || &at.parent != &at.root;
+    expect(options + Count(at.element, "Feature") > 0, "has neither options nor features");
+    expect(!at.isTicket || options <= 1, "has more than one option");
+    expect(isKnown, "has no selection type");
+    expect(!at.IsPublic() || RuleOf(at.element) != nullptr, "is no public feature");
+    expect(IsAlone(at), "is there beside a feature that excludes it");
+}
+
+void CheckOption(const Place& at, const Expect& expect)
+{
+    static constexpr std::string_view kConstraints = " None PrintTicketSettings AdminSettings DeviceSettings ";
+    const FeatureRule* rule = RuleOf(at.parent);
+    const bool isFree = !at.IsPublic() || rule == nullptr || rule->options.empty();
+    const XmlAttribute* constrained = at.Attribute("constrained");
+    const bool isKnown = constrained == nullptr || (!at.isTicket && IsListed(kConstraints, constrained->qualified));
+    expect(isFree || IsListed(rule->options, at.element.Name()), "is no public option of this feature");
+    expect(at.Attribute("name") != nullptr || Count(at.element, "ScoredProperty") > 0,
+           "has neither a name nor a scored property");
+    expect(isKnown, "has a constraint in a ticket or an unknown one");
+}
+
+void CheckValue(const Place& at, const Expect& expect)
+{
+    const std::string type = at.Type();
+    const std::string& text = at.element.text;
+    expect(IsListed(" none string integer decimal QName ", type), "has an unknown type");
+    expect(text.empty() || type != "integer" || IsInteger(text), "is not of its type");
+    expect(text.empty() || type != "QName" || at.element.qualifiedText, "is not of its type");
+}
+
+void CheckParameter(const Place& at, const Expect& expect)
+{
+    const QName target = Psf(at.isTicket ? "ParameterInit" : "ParameterDef");
+    const bool isThere = at.element.Name() && at.root.FindChild(target, *at.element.Name()) != nullptr;
+    const bool isInit = at.Tag() == "ParameterInit";
+    expect(!at.IsPublic() || IsListed(kParameterNames, at.element.Name()), "is no public parameter");
+    expect(!isInit || Count(at.element, "Value") == 1, "needs one value");
+    expect(isThere, "refers to a parameter that is not there");
+    expect(at.Tag() != "ParameterDef" || IsDefinedWhole(at), "lacks a property or has a default outside its range");
+}
+
+void CheckProperty(const Place& at, const Expect& expect)
+{
+    const std::size_t values = Count(at.element, "Value") + Count(at.element, "ParameterRef");
+    const bool isScored = at.Tag() == "ScoredProperty";
+    expect(!at.element.children.empty(), "holds nothing");
+    expect(!isScored || values == 1 || Count(at.element, "ScoredProperty") > 0, "needs one value or one reference");
+}
 
 void Check(const Place& at, const std::string& path, Violations& violations)
 {
     const XmlAttribute* name = at.Attribute("name");
-    const std::string here = path + "/" + at.element.tag.local + (name == nullptr ? "" : " " + name->value);
-    for (const Rule& rule : kRules)
+    const std::string here = path + "/" + at.Tag() + (name == nullptr ? "" : " " + name->value);
+    const auto expect = [&](bool isGood, const char* reason)
+    { isGood ? void() : violations.push_back(here + ": " + reason); };
+    static const std::pair<std::string_view, void (*)(const Place&, const Expect&)> kChecks[] = {
+        {" PrintTicket PrintCapabilities ", CheckRoot},
+        {" Feature ", CheckFeature},
+        {" Option ", CheckOption},
+        {" Value ", CheckValue},
+        {" ParameterDef ParameterInit ParameterRef ", CheckParameter},
+        {" Property ScoredProperty ", CheckProperty}};
+    CheckAnything(at, expect);
+    for (const auto& [tags, check] : kChecks)
     {
-        if ((rule.elements.empty() || IsListed(rule.elements, at.element.tag.local)) && !rule.isKept(at))
+        if (IsListed(tags, at.Tag()))
         {
-            violations.push_back(here + ": " + rule.reason);
+            check(at, expect);
         }
     }
     for (const XmlElement& child : at.element.children)
