@@ -18,12 +18,12 @@
 namespace tsypr::service::test
 {
 
-// A ticket with the usual prefixes around `body`; v is the printer's own namespace.
-inline std::string Ticket(const std::string& body, const std::string& vendor = "v='http://vendor.example/ns'")
+// A ticket with the usual prefixes around `body`; v is the sample printer's own namespace.
+inline std::string Ticket(const std::string& body)
 {
     return "<psf:PrintTicket xmlns:psf='" + std::string(kFrameworkUri) + "' xmlns:psk='" + std::string(kKeywordsUri) +
-           "' xmlns:" + vendor + " xmlns:xsi='" + std::string(kInstanceUri) + "' xmlns:xsd='" + std::string(kTypesUri) +
-           "' version='1'>" + body + "</psf:PrintTicket>";
+           "' xmlns:v='http://vendor.example/ns' xmlns:xsi='" + std::string(kInstanceUri) + "' xmlns:xsd='" +
+           std::string(kTypesUri) + "' version='1'>" + body + "</psf:PrintTicket>";
 }
 
 // The same ticket with every prefix bound otherwise, the framework's namespace being the default.
