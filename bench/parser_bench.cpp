@@ -13,6 +13,8 @@ namespace tsypr::bench
 namespace
 {
 
+constexpr int kMediaTypes = 30;
+
 // Print capabilities as a large printer has them, 200 KiB: many features, N-up, staples and punches among them.
 std::string LargeCapabilities()
 {
@@ -40,17 +42,27 @@ std::string LargeCapabilities()
         punches += option(std::string("psk:") + name, "");
     }
     punches += option("psk:LeftEdge", "");
+    const auto named = [&](const std::string& name)
+    {
+        return option(name,
+                      R"(<psf:Property name="psk:DisplayName"><psf:Value xsi:type="xsd:string">The )" + name +
+                          "</psf:Value></psf:Property>");
+    };
+    std::string mediaTypes;
+    for (int i = 0; i < kMediaTypes; ++i)
+    {
+        mediaTypes += named("ns0000:Media" + std::to_string(i));
+    }
     std::string body =
         feature("psk:JobNUpAllDocumentsContiguously", pages + feature("psk:PresentationDirection", directions)) +
-        feature("psk:JobStapleAllDocuments", staples) + feature("psk:JobHolePunch", punches);
+        feature("psk:JobStapleAllDocuments", staples) + feature("psk:JobHolePunch", punches) +
+        feature("psk:PageMediaType", mediaTypes);
     for (int number = 0; body.size() < 200U * 1024U; ++number)
     {
         std::string options;
         for (int i = 0; i < 20; ++i)
         {
-            options += option("ns0000:Option" + std::to_string(i),
-                              R"(<psf:Property name="psk:DisplayName"><psf:Value xsi:type="xsd:string">Option )" +
-                                  std::to_string(i) + "</psf:Value></psf:Property>");
+            options += named("ns0000:Option" + std::to_string(i));
         }
         body.insert(0, feature("ns0000:Feature" + std::to_string(number), options));
     }
@@ -71,6 +83,19 @@ size_t AskStraight(IXMLDOMDocument2* doc)
     return StraightNupCapability(doc) + OptionNames(s_staple.Find(doc).Get()) + OptionNames(s_punch.Find(doc).Get());
 }
 
+template <class First, class Second>
+void Add(Report& report, const char* name, First queries, Second calls)
+{
+    Plan plan;
+    plan.rounds = 101;
+    plan.tries = 3; // of milliseconds each
+    const Comparison times = Compare(queries, calls, plan);
+    char detail[120];
+    std::snprintf(
+        detail, sizeof(detail), "queries %.0f us, calls %.0f us", times.firstNs / 1000, times.secondNs / 1000);
+    report.measurements.push_back({name, "x", times.ratio, 1.1, false, times.firstNs, times.secondNs, detail});
+}
+
 } // namespace
 
 void MeasurePrintSchemaQueries(Report& report)
@@ -89,25 +114,23 @@ void MeasurePrintSchemaQueries(Report& report)
         PTParser::GetFinishingCapability(doc.Get(), finishing);
         asked = nup.pagesPerSheet.size() + nup.directions.size() + finishing.staples.size() + finishing.punches.size();
     };
-    const auto calls = [&] { straight = AskStraight(doc.Get()); };
-    Plan plan;
-    plan.rounds = 101;
-    const Comparison times = Compare(queries, calls, plan);
+    Add(report, "N-up and finishing queries / bare calls", queries, [&] { straight = AskStraight(doc.Get()); });
     if (asked != 16 || straight != 19) // the queries leave out three staples that are no punches
     {
         throw std::runtime_error("print capabilities were not read");
     }
-    char detail[120];
-    std::snprintf(
-        detail, sizeof(detail), "queries %.0f us, calls %.0f us", times.firstNs / 1000, times.secondNs / 1000);
-    report.measurements.push_back({"N-up and finishing queries / bare calls",
-                                   "x",
-                                   times.ratio,
-                                   1.1,
-                                   false,
-                                   times.firstNs,
-                                   times.secondNs,
-                                   detail});
+    const StraightFeature mediaTypes(L"psf:PrintCapabilities", {L"psk:PageMediaType"});
+    FeatureOptions options;
+    const auto names = [&]
+    {
+        options.clear();
+        PTParser::GetMediaTypeOptions(doc.Get(), options);
+    };
+    Add(report, "media type names query / bare calls", names, [&] { mediaTypes.Options(doc.Get()); });
+    if (options.size() != kMediaTypes)
+    {
+        throw std::runtime_error("media types were not read");
+    }
 }
 
 } // namespace tsypr::bench

@@ -36,6 +36,9 @@ run_tests() {
   # Where processes start and die quickly, they are killed more often.
   case $preset in native-*) export TESSARY_KILLS=200 ;; *) unset TESSARY_KILLS ;; esac
   ctest --preset "$preset" "${filter[@]}" --show-only=json-v1 >"$results/listing.json" || return 1
+  # Those that build.sh has put beside the Windows programs.
+  TESSARY_IMPORTED_PRINTERS=$(compgen -G "$build/native-tests/printers/*.json" | wc -l || true)
+  export TESSARY_IMPORTED_PRINTERS
   GTEST_OUTPUT="json:$report/" ctest --preset "$preset" "${filter[@]}" --output-junit "$results/ctest.xml"
 }
 

@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include "service/profile.h"
+#include "service/ticket/result_codes.h"
 
 namespace tsypr::service
 {
@@ -19,11 +20,6 @@ enum class TicketQuery : DWORD
     TicketToCapabilities = 2,
     ValidateTicket = 3
 };
-
-// Results with the numbers that Windows' print ticket functions give them.
-inline constexpr HRESULT kNoConflict = 0x00040001;
-inline constexpr HRESULT kConflictResolved = 0x00040002;
-inline constexpr HRESULT kBadTicket = static_cast<HRESULT>(0x80040003U);
 
 // A failure has no data.
 struct TicketAnswer

@@ -47,46 +47,35 @@ static_assert(FindDisplayName(kPunches, L"psk:SaddleStitch") == nullptr);
 
 TEST_F(PTParserTest, NupCapabilityOfRealDocuments)
 {
-    const std::string job = "psk:JobNUpAllDocumentsContiguously";
+    const auto job = [](const std::string& body) { return Feature("psk:JobNUpAllDocumentsContiguously", body); };
+    const auto document = [](const std::string& body) { return Feature("psk:DocumentNUp", body); };
     const std::string directions = Feature("psk:PresentationDirection",
                                            Option("psk:RightBottom") + Option("ns0000:Spiral") + Option("psk:TopLeft"));
-    const std::string lead = "error PTParser::GetNupCapability, failed to ";
+    const Texts both = {L"psk:RightBottom", L"psk:TopLeft"};
+    const std::string four = PagesOption("1") + PagesOption(" 2 ") + PagesOption("4") + PagesOption("2");
+    const std::string comments = " <!-- 1 -->" + PagesOption("<!-- a -->16") + "\t";
+    const std::string odd = PagesOption("1") + Option("psk:None") + PagesOption("four");
+    const Messages notJob = {Missing("psk:JobNUpAllDocumentsContiguously")};
+    const std::string lead = "error PTParser::GetNupCapability, failed to get value node for nup option ";
     const struct
     {
         std::string body;
-        bool result;
-        Texts pages, directions;
+        Texts pages, directions; // no pages: the answer is no
         Messages said;
-    } cases[] = {
-        {Feature(job, PagesOption("1") + PagesOption(" 2 ") + PagesOption("4") + PagesOption("2") + directions),
-         true,
-         {L"1", L"2", L"4", L"2"},
-         {L"psk:RightBottom", L"psk:TopLeft"},
-         {}},
-        {"<!-- text --> \n" + Feature("psk:DocumentNUp", " <!-- 1 -->" + PagesOption("<!-- a -->16") + "\t"),
-         true,
-         {L"16"},
-         {},
-         {Missing(job)}},
-        {Feature("psk:DocumentNUp", PagesOption("9")) + Feature(job, PagesOption("6")), true, {L"6"}, {}, {}},
-        {Feature(job, PagesOption("1") + Option("psk:None") + PagesOption("four") + directions),
-         true,
-         {L"1", L"four"},
-         {L"psk:RightBottom", L"psk:TopLeft"},
-         {lead + "get value node for nup option 1."}},
-        {Feature(job, Option("a") + Option("b") + directions),
-         false,
-         {},
-         {},
-         {lead + "get value node for nup option 0.", lead + "get value node for nup option 1."}},
-        {Feature(job, directions), false, {}, {}, {}},
-        {Feature("ns0000:NUp", PagesOption("2")), false, {}, {}, kNoNup},
-        {Feature("psk:Wrapper", Feature(job, PagesOption("2"))), false, {}, {}, kNoNup}};
+    } cases[] = {{job(four + directions), {L"1", L"2", L"4", L"2"}, both, {}},
+                 {"<!-- text --> \n" + document(comments), {L"16"}, {}, notJob},
+                 {document(PagesOption("9")) + job(PagesOption("6")), {L"6"}, {}, {}},
+                 {job(odd + directions), {L"1", L"four"}, both, {lead + "1."}},
+                 {job(Option("a") + Option("b") + directions), {}, {}, {lead + "0.", lead + "1."}},
+                 {job(directions), {}, {}, {}},
+                 {Feature("ns0000:NUp", PagesOption("2")), {}, {}, kNoNup},
+                 {Feature("psk:Wrapper", job(PagesOption("2"))), {}, {}, kNoNup}};
     for (const auto& one : cases)
     {
         SCOPED_TRACE(one.body);
         NupCapability capability;
-        EXPECT_EQ(one.result, PTParser::GetNupCapability(Load(Capabilities(one.body)).Get(), capability));
+        const bool result = PTParser::GetNupCapability(Load(Capabilities(one.body)).Get(), capability);
+        EXPECT_EQ(!one.pages.empty(), result);
         EXPECT_EQ(one.pages, capability.pagesPerSheet);
         EXPECT_EQ(one.directions, capability.directions);
         EXPECT_EQ(one.said, Said());
@@ -95,32 +84,27 @@ TEST_F(PTParserTest, NupCapabilityOfRealDocuments)
 
 TEST_F(PTParserTest, FinishingCapability)
 {
+    const std::string staples = Option("psk:None") + Option("psk:StapleTopLeft") + Option("psk:stapletopleft") +
+                                Option("ns0000:Staple") + Option("") + Option("psk:SaddleStitch");
+    const std::string whole = Feature("psk:JobStapleAllDocuments", staples) +
+                              Feature("psk:DocumentHolePunch", Option("psk:LeftEdge") + Option("psk:SaddleStitch"));
+    const Texts known = {L"psk:None", L"psk:StapleTopLeft", L"psk:SaddleStitch"};
+    const Messages notJob = Both({Missing("psk:JobStapleAllDocuments")}, kNoPunch);
     const struct
     {
         std::string body;
-        bool result;
-        Texts staples, punches;
+        Texts staples, punches; // neither: the answer is no
         Messages said;
-    } cases[] = {{Feature("psk:JobStapleAllDocuments",
-                          Option("psk:None") + Option("psk:StapleTopLeft") + Option("psk:stapletopleft") +
-                              Option("ns0000:Staple") + Option("") + Option("psk:SaddleStitch")) +
-                      Feature("psk:DocumentHolePunch", Option("psk:LeftEdge") + Option("psk:SaddleStitch")),
-                  true,
-                  {L"psk:None", L"psk:StapleTopLeft", L"psk:SaddleStitch"},
-                  {L"psk:LeftEdge"},
-                  {Missing("psk:JobHolePunch")}},
-                 {Feature("psk:JobHolePunch", Option("psk:None")), true, {}, {L"psk:None"}, kNoStaple},
-                 {Feature("psk:DocumentStaple", Option("ns0000:Corner")),
-                  false,
-                  {},
-                  {},
-                  Both({Missing("psk:JobStapleAllDocuments")}, kNoPunch)},
-                 {"", false, {}, {}, Both(kNoStaple, kNoPunch)}};
+    } cases[] = {{whole, known, {L"psk:LeftEdge"}, {Missing("psk:JobHolePunch")}},
+                 {Feature("psk:JobHolePunch", Option("psk:None")), {}, {L"psk:None"}, kNoStaple},
+                 {Feature("psk:DocumentStaple", Option("ns0000:Corner")), {}, {}, notJob},
+                 {"", {}, {}, Both(kNoStaple, kNoPunch)}};
     for (const auto& one : cases)
     {
         SCOPED_TRACE(one.body);
         FinishingCapability capability;
-        EXPECT_EQ(one.result, PTParser::GetFinishingCapability(Load(Capabilities(one.body)).Get(), capability));
+        const bool result = PTParser::GetFinishingCapability(Load(Capabilities(one.body)).Get(), capability);
+        EXPECT_EQ(!one.staples.empty() || !one.punches.empty(), result);
         EXPECT_EQ(one.staples, capability.staples);
         EXPECT_EQ(one.punches, capability.punches);
         EXPECT_EQ(one.said, Said());
@@ -153,8 +137,12 @@ TEST_F(PTParserTest, MediaTypesByName)
 
 TEST_F(PTParserTest, NupOfTicketsIsRead)
 {
-    const std::string job = "psk:JobNUpAllDocumentsContiguously";
+    const auto job = [](const std::string& body) { return Feature("psk:JobNUpAllDocumentsContiguously", body); };
+    const std::string direction = Feature("psk:PresentationDirection", Option("psk:TopLeft"));
     const std::string lead = "PTParser::GetOrSetNupOption, ";
+    const Messages noLayout = {"verbose " + lead + "no Nup Layout node in print ticket."};
+    const Messages noValue = {"error " + lead + "failed to get value for node."};
+    const Messages noNode = {"error " + lead + "failed to get value node for nup option."};
     const struct
     {
         std::string body;
@@ -166,26 +154,17 @@ TEST_F(PTParserTest, NupOfTicketsIsRead)
                  {Nup(" 16 pages", "ns0000:Spiral"), true, 16, L"ns0000:Spiral", {}},
                  {Nup("many", "psk:TopLeft"), true, 0, L"psk:TopLeft", {}},
                  {Nup("", "psk:TopLeft"), true, 0, L"psk:TopLeft", {}},
-                 {Feature(job, PagesOption("2") + PagesOption("9")),
-                  false,
-                  2,
-                  L"old",
-                  {"verbose " + lead + "no Nup Layout node in print ticket."}},
-                 {Nup("2", ""), false, 2, L"old", {"error " + lead + "failed to get value for node."}},
-                 {Feature(job, Feature("psk:PresentationDirection", Option("psk:TopLeft"))),
-                  false,
-                  77,
-                  L"old",
-                  {"error " + lead + "failed to get value node for nup option."}},
+                 {job(PagesOption("2") + PagesOption("9")), false, 2, L"old", noLayout},
+                 {Nup("2", ""), false, 2, L"old", noValue},
+                 {job(direction), false, 77, L"old", noNode},
                  {"", false, 77, L"old", kNoNup}};
     for (const auto& one : cases)
     {
         SCOPED_TRACE(one.body);
         uint32_t pages = 77;
-        std::wstring direction = L"old";
-        EXPECT_EQ(one.result, PTParser::GetNupOption(Load(Ticket(one.body)).Get(), pages, direction));
-        EXPECT_EQ(one.pages, pages);
-        EXPECT_EQ(one.direction, direction);
+        std::wstring read = L"old";
+        EXPECT_EQ(one.result, PTParser::GetNupOption(Load(Ticket(one.body)).Get(), pages, read));
+        EXPECT_EQ(std::pair(one.pages, one.direction), std::pair(pages, read));
         EXPECT_EQ(one.said, Said());
     }
 }

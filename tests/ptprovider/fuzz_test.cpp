@@ -34,27 +34,12 @@ namespace tsypr::test
 namespace
 {
 
-constexpr std::string_view kPieces[] = {"<",
-                                        "/>",
-                                        "</psf:Feature>",
-                                        "<psf:Feature name=\"psk:JobHolePunch\"><psf:Option name=\"",
-                                        "<psf:Option>",
-                                        "name=\"psk:PageScaling\"",
-                                        "<psf:Value>-99999999999</psf:Value>",
-                                        " xmlns:psf=\"'\"",
-                                        " xmlns:psf=\"\"",
-                                        "<!DOCTYPE a [<!ENTITY e \"&e;\">]>",
-                                        "<![CDATA[",
-                                        "]]>",
-                                        "<!--",
-                                        "&#0;",
-                                        "&lt;",
-                                        "\xFF\xFE",
-                                        "\xC0\x80",
-                                        "encoding=\"UTF-16\"",
-                                        "psk:AVeryLongOptionNameThatDoesNotFitIntoTheField",
-                                        "'",
-                                        "\""};
+// What is put in somewhere, by lines.
+constexpr std::string_view kPieces =
+    "<\n/>\n</psf:Feature>\n<psf:Feature name=\"psk:JobHolePunch\"><psf:Option name=\"\n<psf:Option>\n"
+    "name=\"psk:PageScaling\"\n<psf:Value>-99999999999</psf:Value>\n xmlns:psf=\"'\"\n xmlns:psf=\"\"\n"
+    "<!DOCTYPE a [<!ENTITY e \"&e;\">]>\n<![CDATA[\n]]>\n<!--\n&#0;\n&lt;\n\xFF\xFE\n\xC0\x80\nencoding=\"UTF-16\"\n"
+    "psk:AVeryLongOptionNameThatDoesNotFitIntoTheField\n'\n\"\n";
 
 class Mutator
 {
@@ -67,55 +52,53 @@ public:
     }
     Bytes Text(const std::string& good)
     {
-        std::string text = good;
-        for (size_t changes = Below(4); changes != 0; --changes)
+        return Change(good);
+    }
+    // Whole as far as memory goes, whatever the sizes in it say.
+    Bytes Block(const Bytes& good)
+    {
+        std::string block(good.begin(), good.end());
+        if (block.size() > 72 && Below(2) != 0)
+        {
+            block[68 + Below(4)] = static_cast<char>(m_random()); // the sizes
+        }
+        return Change(block);
+    }
+
+private:
+    Bytes Change(std::string text)
+    {
+        for (size_t changes = Below(5); changes != 0; --changes)
         {
             const size_t at = Below(text.size() + 1);
             const size_t length = Below(text.size() - at + 1) >> Below(10);
-            switch (Below(5))
+            const std::string copy = text.substr(at, length);
+            switch (Below(6))
             {
             case 0:
                 text.erase(at, length);
                 break;
             case 1:
-                text.insert(at, kPieces[Below(std::size(kPieces))]);
+                text.insert(at, Piece());
                 break;
             case 2:
-                text.insert(Below(text.size() + 1), text.substr(at, length));
+                text.insert(Below(text.size() + 1), copy);
                 break;
             case 3:
                 text.resize(at);
                 break;
             default:
-                text.insert(at, 1, static_cast<char>(m_random()));
+                text.replace(at, Below(2), 1, static_cast<char>(m_random()));
             }
         }
         return BytesOf(text);
     }
-    // Whole as far as memory goes, whatever the sizes in it say.
-    Bytes Block(Bytes good)
+    std::string_view Piece()
     {
-        for (size_t changes = Below(6); changes != 0 && !good.empty(); --changes)
-        {
-            switch (Below(4))
-            {
-            case 0:
-                good.resize(Below(good.size() + 1));
-                break;
-            case 1:
-                good[(68 + Below(4)) % good.size()] = static_cast<BYTE>(m_random());
-                break; // the sizes
-            case 2:
-                good.resize(good.size() + Below(2000), static_cast<BYTE>(m_random()));
-                break;
-            default:
-                good[Below(good.size())] = static_cast<BYTE>(m_random());
-            }
-        }
-        return good;
+        const size_t begin = kPieces.rfind('\n', Below(kPieces.size() - 1)) + 1; // npos is followed by 0
+        return kPieces.substr(begin, kPieces.find('\n', begin) - begin);
     }
 
-private:
     std::mt19937 m_random;
 };
 

@@ -128,6 +128,8 @@ TEST_F(ProviderTest, BindsToThePrintersName)
 TEST_F(ProviderTest, WithoutAnOpenPrinterNothingIsConverted)
 {
     service.opens = false;
+    const Bytes carried(sizeof(CarriedPrivateSettings), 0x5A);
+    memcpy(&CarriedPrivateSettings, carried.data(), carried.size());
     DeviceMode in = ClientDeviceMode();
     const auto ticket = Load(Ticket(""));
     log.Take();
@@ -162,7 +164,7 @@ TEST_F(ProviderTest, WithoutAnOpenPrinterNothingIsConverted)
         }
         EXPECT_EQ(expected, log.TakeErrors());
     }
-    EXPECT_EQ(0, memcmp(&CarriedPrivateSettings, std::vector<char>(sizeof(PrivateSettings)).data(), 16));
+    EXPECT_EQ(0, memcmp(&CarriedPrivateSettings, carried.data(), carried.size()));
     ULONG bytes = 0;
     DEVMODEW* out = nullptr;
     EXPECT_EQ(E_INVALIDARG, provider->ConvertPrintTicketToDevMode(ticket.Get(), 0, nullptr, nullptr, &out));

@@ -1,10 +1,8 @@
-// Many conversions, on many threads, and with memory running out: nothing is kept and nothing is mixed up.
+// Many conversions and on many threads: nothing is kept and nothing is mixed up. No memory for what is handed out.
 #include "tests/module/heap_blocks.h"
 #include "tests/ptprovider/provider_fixture.h"
-#include "tests/remote/allocation_faults.h"
 
 #include <atomic>
-#include <functional>
 #include <thread>
 
 namespace tsypr::test
@@ -12,33 +10,50 @@ namespace tsypr::test
 namespace
 {
 
+template <class Function>
+Function* Real(const wchar_t* library, const char* name)
+{
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(library), name)));
+}
+
 // Texts run out where memory does: what malloc refuses, this does, too.
 BSTR WINAPI NewText(const OLECHAR* text, UINT length)
 {
-    static const auto s_real = reinterpret_cast<decltype(&SysAllocStringLen)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"oleaut32.dll"), "SysAllocStringLen")));
+    static const auto s_real = Real<decltype(SysAllocStringLen)>(L"oleaut32.dll", "SysAllocStringLen");
     void* gate = std::malloc(1);
     std::free(gate);
     return gate != nullptr ? s_real(text, length) : nullptr;
 }
 
-bool g_noLocalMemory = false;
+bool g_noOutput = false; // what is made for the caller
 
+BSTR WINAPI NewOutputText(const OLECHAR* text)
+{
+    static const auto s_real = Real<decltype(SysAllocString)>(L"oleaut32.dll", "SysAllocString");
+    return g_noOutput ? nullptr : s_real(text);
+}
+void* WINAPI NewTaskMemory(SIZE_T size)
+{
+    static const auto s_real = Real<decltype(CoTaskMemAlloc)>(L"ole32.dll", "CoTaskMemAlloc");
+    return g_noOutput ? nullptr : s_real(size);
+}
 HLOCAL WINAPI NewLocal(UINT flags, SIZE_T size)
 {
-    static const auto s_real = reinterpret_cast<decltype(&LocalAlloc)>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LocalAlloc")));
-    return g_noLocalMemory ? nullptr : s_real(flags, size);
+    static const auto s_real = Real<decltype(LocalAlloc)>(L"kernel32.dll", "LocalAlloc");
+    return g_noOutput ? nullptr : s_real(flags, size);
 }
 
 } // namespace
 } // namespace tsypr::test
 
 // The program's only way to the system's functions.
-extern "C" decltype(&SysAllocStringLen) __imp_SysAllocStringLen;
-decltype(&SysAllocStringLen) __imp_SysAllocStringLen = tsypr::test::NewText;
-extern "C" decltype(&LocalAlloc) __imp_LocalAlloc;
-decltype(&LocalAlloc) __imp_LocalAlloc = tsypr::test::NewLocal;
+#define TESSARY_REPLACE(function, by)                                                                                  \
+    extern "C" decltype(&(function)) __imp_##function;                                                                 \
+    decltype(&(function)) __imp_##function = tsypr::test::by
+TESSARY_REPLACE(SysAllocStringLen, NewText);
+TESSARY_REPLACE(SysAllocString, NewOutputText);
+TESSARY_REPLACE(CoTaskMemAlloc, NewTaskMemory);
+TESSARY_REPLACE(LocalAlloc, NewLocal);
 
 namespace tsypr::test
 {
@@ -105,19 +120,29 @@ TEST_F(Lifetime, NothingIsKeptOverTenThousandConversions)
     EXPECT_EQ(1U, References(ticket.Get()));
 }
 
-TEST_F(Lifetime, NoMemoryForTheDeviceMode)
+TEST_F(Lifetime, NoMemoryForWhatTheCallerGets)
 {
     service.notesCalls = true;
     ULONG bytes = 0;
     DEVMODEW untouched = {};
     DEVMODEW* out = &untouched;
-    g_noLocalMemory = true;
+    INT number = 7;
+    INT* versions = &number;
+    BSTR uri = nullptr;
+    g_noOutput = true;
     EXPECT_EQ(E_OUTOFMEMORY, provider->ConvertPrintTicketToDevMode(nullptr, 0, nullptr, &bytes, &out));
-    g_noLocalMemory = false;
+    EXPECT_EQ(E_OUTOFMEMORY, provider->GetSupportedVersions(nullptr, &versions, &number));
+    EXPECT_EQ(E_OUTOFMEMORY, provider->QueryDeviceNamespace(&uri));
+    g_noOutput = false;
     EXPECT_EQ(service.ptReplies[kPT2DM].data->size(), bytes);
     EXPECT_EQ(&untouched, out);
+    EXPECT_TRUE(versions == &number && number == 7 && uri == nullptr);
     EXPECT_EQ("open query PT2DM freeDevMode close", Calls());
-    EXPECT_EQ(Messages{"error PTProvider::ConvertPrintTicketToDevMode, failed to allocate DEVMODE"}, log.TakeErrors());
+    const std::string lead = "error PTProvider::";
+    EXPECT_EQ((Messages{lead + "ConvertPrintTicketToDevMode, failed to allocate DEVMODE",
+                        lead + "GetSupportedVersions, failed to call CoTaskMemAlloc.",
+                        lead + "QueryDeviceNamespace, failed to call SysAllocString."}),
+              log.TakeErrors());
 }
 
 TEST_F(Lifetime, ThreadsConvertWithObjectsOfTheirOwn)
@@ -148,69 +173,6 @@ TEST_F(Lifetime, ThreadsConvertWithObjectsOfTheirOwn)
     }
     EXPECT_EQ(0, wrong);
     log.Take(); // every line is whole
-}
-
-TEST_F(Lifetime, MemoryRunsOutAnywhere)
-{
-    DeviceMode dm = Settings();
-    const auto ticket = Load(FullTicket());
-    ComPtr<IPrintTicketProvider> other;
-    EXPECT_THROW(throw _com_error(E_FAIL), _com_error); // for what exceptions keep from first use on
-    const std::pair<int, std::function<HRESULT()>> uses[] = {
-        {2,
-         [&]
-         {
-             other.Reset();
-             ComPtr<IClassFactory> factory;
-             const HRESULT result = DllGetClassObject(
-                 kClsidPTProvider, IID_IClassFactory, reinterpret_cast<void**>(factory.GetAddressOf()));
-             return result != S_OK ? result
-                                   : factory->CreateInstance(nullptr,
-                                                             kIidPrintTicketProvider,
-                                                             reinterpret_cast<void**>(other.GetAddressOf()));
-         }},
-        {2, [&] { return Bind(provider.Get()); }},
-        {20, [&] { return provider->ConvertDevModeToPrintTicket(0, dm.Get(), ticket.Get()); }},
-        {20,
-         [&]
-         {
-             OutDevMode out;
-             return ConvertTicket(ticket.Get(), out);
-         }},
-        {3,
-         [&]
-         {
-             ComPtr<IXMLDOMDocument2> capabilities;
-             return provider->GetPrintCapabilities(ticket.Get(), capabilities.GetAddressOf());
-         }}};
-    for (const auto& [least, use] : uses)
-    {
-        EXPECT_EQ(S_OK, use());
-        log.Take();
-        int failures = 0;
-        for (long n = 0;; ++n)
-        {
-            const long before = LiveAllocations();
-            HRESULT result = S_OK;
-            bool happened = false;
-            {
-                const AllocationFault fault(n);
-                result = use();
-                happened = fault.Happened();
-            }
-            if (!happened)
-            {
-                break;
-            }
-            // A look-up that fails is said and left out; anything else ends the conversion.
-            EXPECT_TRUE(result == S_OK || result == E_OUTOFMEMORY || result == E_FAIL) << result;
-            EXPECT_NE(Messages{}, log.TakeErrors()) << n;
-            EXPECT_NEAR(static_cast<double>(before), static_cast<double>(LiveAllocations()), 1) << n; // the name's
-            failures += result != S_OK ? 1 : 0;
-        }
-        EXPECT_GE(failures, least);
-        EXPECT_EQ(1U, References(ticket.Get()));
-    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "ptprovider/carried_settings.h"
 #include "ptprovider/print_ticket_interface.h"
+#include "service/ticket/result_codes.h"
 #include "tests/printschema/documents.h"
 #include "tests/remote/fake_service.h"
 
@@ -23,8 +24,7 @@ extern PrinterScript g_printer;
 
 inline constexpr uint32_t kPT2DM = 0, kDM2PT = 1, kPT2PC = 2, kPTCHK = 3;
 
-// A success code of the print schema that is not S_OK.
-inline constexpr HRESULT kConflictResolved = 0x00040002;
+using service::kConflictResolved;
 
 inline ComPtr<IClassFactory> NewFactory()
 {

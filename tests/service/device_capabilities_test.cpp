@@ -94,21 +94,5 @@ TEST_F(DeviceCapabilitiesTest, ListsHoldTheProfilesEntriesInOrder)
     EXPECT_THAT(Elements<DWORD>(ask(DC_NUP)), ElementsAre(1u, 2u, 4u));
 }
 
-TEST_F(DeviceCapabilitiesTest, DoNotReadTheDeviceModeBeyondItsSize)
-{
-    void* handle = library.Open(L"Sample");
-    for (const DWORD size : {1u, 70u, 220u})
-    {
-        // Every size field inside claims as much as it can.
-        auto* mode = reinterpret_cast<DEVMODEW*>(AtTheEndOfMemory(std::vector<std::byte>(size, std::byte{0xFF})));
-        for (const DWORD claimed : {size, DWORD{1332}, DWORD{0xFFFFFFFF}, DWORD{0}})
-        {
-            LONG result = -1;
-            library.getCapabilities(handle, DC_PAPERS, nullptr, nullptr, claimed, mode, &result);
-            EXPECT_EQ(result, 3);
-        }
-    }
-}
-
 } // namespace
 } // namespace tsypr::service::test

@@ -2,13 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cwchar>
-#include <set>
 
 #include "service/device_mode.h"
-#include "service/profile_loader.h"
-#include "service/ticket/document_writer.h"
-#include "service/ticket/ticket_state.h"
-#include "service/ticket/xml_writer.h"
+#include "tests/service/build_printers.h"
 #include "tests/service/service_library.h"
 #include "tests/service/ticket_documents.h"
 
@@ -18,7 +14,6 @@ namespace
 {
 
 using tsypr::test::CheckPrintSchema;
-using tsypr::test::CheckTicketAgainst;
 using tsypr::test::PrintSchemaKind;
 
 // The sample printer without locks.
@@ -29,87 +24,60 @@ Profile Unlocked()
     return Parse(document);
 }
 
-// A ticket, a field of its device mode, and what the usual scope's feature says afterwards.
+// A feature ("A/B" for B inside A) or parameter of a ticket, and the field of the device mode that it sets.
 struct Case
 {
-    std::string body;
     const char* feature;
+    std::string option; // its name, or the ticket's whole body
     int (*field)(const ModeParts&);
     int expected;
-    const char* usual;
+    const char* usual = nullptr; // the feature that says so afterwards, where it is another
+
+    std::string Ticket() const
+    {
+        return test::Ticket(option.starts_with('<') ? option : Feature(feature, option));
+    }
 };
 
 #define MODE(field) [](const ModeParts& parts) -> int { return static_cast<int>(parts.mode.field); }
 #define KEYWORD(field, text) [](const ModeParts& parts) -> int { return std::wcscmp(parts.block.field, text) == 0; }
 
-const std::string kNup = Feature("PresentationDirection", "v:Spiral");
-
 const std::vector<Case>& Cases()
 {
+    constexpr auto pages = [](const ModeParts& parts) -> int { return static_cast<int>(parts.block.pagesPerSheet); };
+    static const std::string kSpiral = Feature("PresentationDirection", "v:Spiral");
+    static const std::string kFine = Scored("ResolutionX", "1200") + Scored("ResolutionY", "1200");
+    static const std::string kNup = "JobNUpAllDocumentsContiguously";
     static const std::vector<Case> kCases = {
-        {Feature("PageMediaSize", "psk:ISOA3"), "PageMediaSize", MODE(dmPaperSize), 8, "PageMediaSize"},
-        {Feature("PageOrientation", "psk:Portrait"), "PageOrientation", MODE(dmOrientation), 1, "PageOrientation"},
-        {Feature("JobDuplexAllDocumentsContiguously", "psk:TwoSidedLongEdge"),
-         "JobDuplexAllDocumentsContiguously",
-         MODE(dmDuplex),
-         DMDUP_VERTICAL,
-         "JobDuplexAllDocumentsContiguously"},
-        {Feature("DocumentDuplex", "psk:OneSided"),
-         "DocumentDuplex",
-         MODE(dmDuplex),
-         DMDUP_SIMPLEX,
-         "JobDuplexAllDocumentsContiguously"},
-        {Feature("PageOutputColor", "psk:Color"), "PageOutputColor", MODE(dmColor), DMCOLOR_COLOR, "PageOutputColor"},
-        {Feature("PageOutputQuality", "psk:Draft"),
-         "PageOutputQuality",
-         MODE(dmPrintQuality),
-         DMRES_DRAFT,
-         "PageOutputQuality"},
-        {Unnamed("PageResolution", Scored("ResolutionX", "1200") + Scored("ResolutionY", "1200")),
-         "PageResolution",
-         MODE(dmYResolution),
-         1200,
-         "PageResolution"},
-        {Feature("JobInputBin", "psk:AutoSelect"), "JobInputBin", MODE(dmDefaultSource), 7, "JobInputBin"},
-        {Feature("DocumentInputBin", "psk:AutoSelect"), "DocumentInputBin", MODE(dmDefaultSource), 7, "JobInputBin"},
-        {Feature("PageInputBin", "psk:AutoSelect"), "PageInputBin", MODE(dmDefaultSource), 7, "JobInputBin"},
-        {Feature("PageMediaType", "psk:Plain"), "PageMediaType", MODE(dmMediaType), 1, "PageMediaType"},
-        {Feature("DocumentCollate", "psk:Collated"), "DocumentCollate", MODE(dmCollate), 1, "DocumentCollate"},
-        {Feature("JobCollateAllDocuments", "psk:Collated"),
-         "JobCollateAllDocuments",
-         MODE(dmCollate),
-         1,
-         "DocumentCollate"},
-        {Feature("PageScaling", "psk:None"), "PageScaling", MODE(dmScale), 100, "PageScaling"},
-        {Feature("PageScaling", "psk:CustomSquare") + Parameter("PageScalingScale", "55"),
-         "PageScalingScale",
+        {"PageMediaSize", "psk:ISOA3", MODE(dmPaperSize), 8},
+        {"PageOrientation", "psk:Portrait", MODE(dmOrientation), 1},
+        {"JobDuplexAllDocumentsContiguously", "psk:TwoSidedLongEdge", MODE(dmDuplex), DMDUP_VERTICAL},
+        {"DocumentDuplex", "psk:OneSided", MODE(dmDuplex), DMDUP_SIMPLEX, "JobDuplexAllDocumentsContiguously"},
+        {"PageOutputColor", "psk:Color", MODE(dmColor), DMCOLOR_COLOR},
+        {"PageOutputQuality", "psk:Draft", MODE(dmPrintQuality), DMRES_DRAFT},
+        {"PageResolution", Unnamed("PageResolution", kFine), MODE(dmYResolution), 1200},
+        {"JobInputBin", "psk:AutoSelect", MODE(dmDefaultSource), 7},
+        {"DocumentInputBin", "psk:AutoSelect", MODE(dmDefaultSource), 7, "JobInputBin"},
+        {"PageInputBin", "psk:AutoSelect", MODE(dmDefaultSource), 7, "JobInputBin"},
+        {"PageMediaType", "psk:Plain", MODE(dmMediaType), 1},
+        {"DocumentCollate", "psk:Collated", MODE(dmCollate), 1},
+        {"JobCollateAllDocuments", "psk:Collated", MODE(dmCollate), 1, "DocumentCollate"},
+        {"PageScaling", "psk:None", MODE(dmScale), 100},
+        {"PageScalingScale",
+         Feature("PageScaling", "psk:CustomSquare") + Parameter("PageScalingScale", "55"),
          MODE(dmScale),
-         55,
-         "PageScalingScale"},
-        {Parameter("JobCopiesAllDocuments", "7"), "JobCopiesAllDocuments", MODE(dmCopies), 7, "JobCopiesAllDocuments"},
-        {Unnamed("JobNUpAllDocumentsContiguously", Scored("PagesPerSheet", "2"), kNup),
-         "JobNUpAllDocumentsContiguously",
-         [](const ModeParts& parts) { return int(parts.block.pagesPerSheet); },
-         2,
-         "JobNUpAllDocumentsContiguously"},
-        {Unnamed("DocumentNUp", Scored("PagesPerSheet", "1"), kNup),
-         "DocumentNUp/PresentationDirection",
+         55},
+        {"JobCopiesAllDocuments", Parameter("JobCopiesAllDocuments", "7"), MODE(dmCopies), 7},
+        {kNup.c_str(), Unnamed(kNup, Scored("PagesPerSheet", "2"), kSpiral), pages, 2},
+        {"DocumentNUp/PresentationDirection",
+         Unnamed("DocumentNUp", Scored("PagesPerSheet", "1"), kSpiral),
          KEYWORD(nupLayout, L"ns0000:Spiral"),
          1,
          "JobNUpAllDocumentsContiguously/PresentationDirection"},
-        {Feature("JobStapleAllDocuments", "psk:None"),
-         "JobStapleAllDocuments",
-         KEYWORD(staple, L"psk:None"),
-         1,
-         "JobStapleAllDocuments"},
-        {Feature("DocumentStaple", "psk:None"),
-         "DocumentStaple",
-         KEYWORD(staple, L"psk:None"),
-         1,
-         "JobStapleAllDocuments"},
-        {Feature("JobHolePunch", "psk:None"), "JobHolePunch", KEYWORD(punch, L"psk:None"), 1, "JobHolePunch"},
-        {Feature("DocumentHolePunch", "psk:None"), "DocumentHolePunch", KEYWORD(punch, L"psk:None"), 1, "JobHolePunch"},
-    };
+        {"JobStapleAllDocuments", "psk:None", KEYWORD(staple, L"psk:None"), 1},
+        {"DocumentStaple", "psk:None", KEYWORD(staple, L"psk:None"), 1, "JobStapleAllDocuments"},
+        {"JobHolePunch", "psk:None", KEYWORD(punch, L"psk:None"), 1},
+        {"DocumentHolePunch", "psk:None", KEYWORD(punch, L"psk:None"), 1, "JobHolePunch"}};
     return kCases;
 }
 
@@ -118,7 +86,7 @@ TEST(TicketConversion, CarriesEverySettingBothWays)
     const Profile profile = Unlocked();
     for (const Case& test : Cases())
     {
-        for (const std::string& ticket : {Ticket(test.body), Reprefixed(Ticket(test.body))})
+        for (const std::string& ticket : {test.Ticket(), Reprefixed(test.Ticket())})
         {
             SCOPED_TRACE(ticket);
             const TicketAnswer mode = Ask(profile, TicketQuery::TicketToDevMode, ticket);
@@ -132,7 +100,7 @@ TEST(TicketConversion, CarriesEverySettingBothWays)
             const std::string chosen = Chosen(checked, test.feature);
             EXPECT_EQ(chosen, Chosen(Root(ticket), test.feature));
             const TicketAnswer back = AnswerTicketQuery(profile, TicketQuery::DevModeToTicket, mode.data);
-            EXPECT_EQ(Chosen(back, test.usual), chosen);
+            EXPECT_EQ(Chosen(back, test.usual != nullptr ? test.usual : test.feature), chosen);
         }
     }
 }
@@ -168,123 +136,42 @@ TEST(TicketConversion, CarriesUserDefinedSizes)
     EXPECT_EQ(Chosen(fixed, "PageMediaSizeMediaSizeWidth"), "");
 }
 
-// The printers beside the service, the imported ones included, and those of the tests.
-const std::vector<Profile>& Printers()
+// All the elements and names in a document.
+std::string NamesIn(const XmlElement& element)
 {
-    static const std::vector<Profile> kPrinters = []
-    {
-        WCHAR path[MAX_PATH];
-        GetModuleFileNameW(nullptr, path, MAX_PATH);
-        std::vector<Profile> printers = LoadProfiles(std::filesystem::path(path).parent_path() / L"printers").printers;
-        EXPECT_GE(printers.size(), 2u);
-        printers.push_back(Unlocked());
-        printers.push_back(Parse(SampleProfile()));
-        printers.push_back(Parse(SparseProfile()));
-        return printers;
-    }();
-    return kPrinters;
-}
-
-// Checks a ticket's way to a device mode and back to what says the same.
-void CheckRoundTrip(const TicketModel& model, const TicketState& state)
-{
-    const Profile& profile = model.profile;
-    const std::string ticket = WriteXml(BuildTicket(model, state), model.vendorUri);
-    EXPECT_EQ(CheckPrintSchema(ticket, PrintSchemaKind::Ticket), std::vector<std::string>());
-    const TicketAnswer checked = Ask(profile, TicketQuery::ValidateTicket, ticket);
-    EXPECT_EQ(checked.result, kNoConflict);
-    EXPECT_EQ(Text(checked), ticket);
-    const TicketAnswer mode = Ask(profile, TicketQuery::TicketToDevMode, ticket);
-    EXPECT_EQ(mode.result, kNoConflict);
-    const std::string again = Text(AnswerTicketQuery(profile, TicketQuery::DevModeToTicket, mode.data));
-    EXPECT_EQ(CheckPrintSchema(again, PrintSchemaKind::Ticket), std::vector<std::string>());
-    EXPECT_TRUE(Ask(profile, TicketQuery::TicketToDevMode, again).data == mode.data) << ticket << again;
-    const ModeParts parts(mode.data);
-    for (std::size_t i = 0; i < model.settings.size(); ++i)
-    {
-        EXPECT_EQ(model.settings[i].row->get(profile, parts), model.settings[i].Option(state.settings[i].choice).value)
-            << ticket;
-    }
-}
-
-void CheckCapabilities(const Profile& profile, const TicketModel& model, const TicketState& state)
-{
-    const std::string ticket = WriteXml(BuildTicket(model, state), model.vendorUri);
-    const std::string capabilities = Text(Ask(profile, TicketQuery::TicketToCapabilities, ticket));
-    EXPECT_EQ(CheckPrintSchema(capabilities, PrintSchemaKind::Capabilities), std::vector<std::string>());
-    EXPECT_EQ(CheckTicketAgainst(ticket, capabilities), std::vector<std::string>());
-}
-
-// The printer's defaults, but numbers as large as they may be.
-TicketState LargeState(const TicketModel& model)
-{
-    TicketState state = DefaultState(model);
-    for (std::size_t i = 0; i < model.parameters.size(); ++i)
-    {
-        const bool isOther = model.parameters[i].row->isUnconditional && i > 0;
-        state.parameters[i] = isOther ? 1 : model.parameters[i].range.largest;
-    }
-    return state;
-}
-
-void CheckEveryOption(const Profile& profile)
-{
-    const TicketModel model(profile);
-    for (std::size_t i = 0; i < model.settings.size(); ++i)
-    {
-        const TicketSetting& setting = model.settings[i];
-        TicketState state = LargeState(model);
-        for (std::size_t feature = 0; feature < setting.features.size(); ++feature)
-        {
-            SCOPED_TRACE(profile.name + " " + setting.features[feature].name.local);
-            for (std::size_t option = 0; option < setting.features[feature].options.size(); ++option)
-            {
-                const Choice choice{feature, option};
-                if (!setting.isLocked || setting.Option(choice).value == setting.DefaultValue())
-                {
-                    state.settings[i].choice = choice;
-                    CheckRoundTrip(model, state);
-                }
-            }
-            CheckCapabilities(profile, model, state);
-        }
-    }
-}
-
-TEST(TicketConversion, LosesNothingForAnyChoiceOfAnyPrinter)
-{
-    for (const Profile& profile : Printers())
-    {
-        const TicketModel model(profile);
-        CheckRoundTrip(model, DefaultState(model));
-        CheckEveryOption(profile);
-    }
-}
-
-// All the names in a document, with where they are.
-void CollectNames(const XmlElement& element, const std::string& place, std::multiset<std::string>& names)
-{
+    const XmlAttribute* name = element.FindAttribute({"", "name"});
+    std::string names = element.tag.local + (name == nullptr ? "" : " " + name->value);
     for (const XmlElement& child : element.children)
     {
-        const std::string here = place + "/" + child.tag.local + " " + (child.Name() ? child.Name()->local : "");
-        names.insert(here);
-        CollectNames(child, here, names);
+        names += "(" + NamesIn(child) + ")";
     }
+    return names;
 }
 
-TEST(TicketConversion, OffersTheSameWhateverTheTicketSays)
+TEST(TicketConversion, MakesGoodDocumentsWhateverThePrinterAndTheTicket)
 {
-    for (const Profile& profile : Printers())
+    const std::vector<std::string> good;
+    std::vector<Profile> printers = BuildPrinters();
+    printers.insert(printers.end(), {Unlocked(), Parse(SampleProfile()), Parse(SparseProfile())});
+    for (const Profile& profile : printers)
     {
-        std::multiset<std::string> usual;
-        CollectNames(Root(Text(Ask(profile, TicketQuery::TicketToCapabilities, ""))), "", usual);
+        const std::string offered = NamesIn(Root(Text(Ask(profile, TicketQuery::TicketToCapabilities, ""))));
         for (const Case& test : Cases())
         {
-            std::multiset<std::string> names;
-            const TicketAnswer answer = Ask(profile, TicketQuery::TicketToCapabilities, Ticket(test.body));
-            EXPECT_EQ(answer.result, S_OK);
-            CollectNames(Root(Text(answer)), "", names);
-            EXPECT_EQ(names, usual) << profile.name << " " << test.body;
+            SCOPED_TRACE(profile.name + " " + test.Ticket());
+            const TicketAnswer checked = Ask(profile, TicketQuery::ValidateTicket, test.Ticket());
+            const std::string ticket = Text(checked);
+            EXPECT_EQ(CheckPrintSchema(ticket, PrintSchemaKind::Ticket), good);
+            EXPECT_EQ(Text(Ask(profile, TicketQuery::ValidateTicket, ticket)), ticket);
+            const TicketAnswer capabilities = Ask(profile, TicketQuery::TicketToCapabilities, test.Ticket());
+            EXPECT_EQ(capabilities.result, S_OK);
+            EXPECT_EQ(CheckPrintSchema(Text(capabilities), PrintSchemaKind::Capabilities), good);
+            EXPECT_EQ(NamesIn(Root(Text(capabilities))), offered);
+            const TicketAnswer mode = Ask(profile, TicketQuery::TicketToDevMode, ticket);
+            EXPECT_EQ(mode.result, kNoConflict);
+            const std::string again = Text(AnswerTicketQuery(profile, TicketQuery::DevModeToTicket, mode.data));
+            EXPECT_EQ(CheckPrintSchema(again, PrintSchemaKind::Ticket), good);
+            EXPECT_TRUE(Ask(profile, TicketQuery::TicketToDevMode, again).data == mode.data) << again;
         }
     }
 }

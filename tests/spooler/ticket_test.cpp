@@ -1,12 +1,9 @@
 // Print tickets of the installed driver, as printctl has them converted by the driver's provider.
-#include <windows.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
-#include <gtest/gtest.h>
-
-#include "tests/printctl/printctl_fixture.h"
+#include "tests/spooler/installed_product.h"
 #include "tests/support/print_schema_checker.h"
 
 namespace tsypr::spooler_tests
@@ -28,31 +25,8 @@ const std::string kSchemas = " xmlns:psf='http://schemas.microsoft.com/windows/2
                              " xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'"
                              " xmlns:xsd='http://www.w3.org/2001/XMLSchema' version='1'>";
 
-class Tickets : public testing::Test
+class Tickets : public InstalledProduct
 {
-public:
-    // Wine's own XML documents are not enough for the driver.
-    static void SetUpTestSuite()
-    {
-        wchar_t path[MAX_PATH];
-        GetModuleFileNameW(nullptr, path, MAX_PATH);
-        const std::wstring repair = fs::path(path).replace_filename(L"tsydomrepair.dll").wstring();
-        const auto size = static_cast<DWORD>((repair.size() + 1) * sizeof(wchar_t));
-        ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE,
-                                  L"Software\\Classes\\CLSID\\{88D96A05-F192-11D4-A65F-0040963251E5}\\InprocServer32",
-                                  nullptr,
-                                  REG_SZ,
-                                  repair.c_str(),
-                                  size),
-                  ERROR_SUCCESS);
-        const Outcome installed = RunPrintctl({L"install"});
-        ASSERT_EQ(installed.code, 0) << installed.error;
-    }
-    static void TearDownTestSuite()
-    {
-        EXPECT_EQ(RunPrintctl({L"remove"}).code, 0);
-    }
-
 protected:
     Tickets()
     {
@@ -73,55 +47,23 @@ private:
     fs::path m_folder = fs::temp_directory_path() / L"tessary tickets";
 };
 
-TEST_F(Tickets, CarryTheSettingsOfEveryPrinterBothWays)
-{
-    for (const Json& printer : QueryJson({L"printers"}))
-    {
-        const std::string utf8 = printer.at("name").get<std::string>();
-        const std::wstring name = fs::path(std::u8string(utf8.begin(), utf8.end())).wstring();
-        const Json from = QueryJson({L"ticket", L"from-devmode", name, L"--out", File(L"ticket.xml")});
-        const std::string ticket = ReadText(File(L"ticket.xml"));
-        // A ticket without N-up leaves no number of pages in the device mode.
-        const bool hasNup = ticket.find("psk:JobNUpAllDocumentsContiguously") != std::string::npos;
-        EXPECT_EQ(from.at("changes").size(), hasNup ? 0u : 1u) << from.at("changes");
-        EXPECT_TRUE(hasNup || from.at("changes").at(0).at("field") == "pagesPerSheet");
-        EXPECT_EQ(test::CheckPrintSchema(ticket, PrintSchemaKind::Ticket), std::vector<std::string>());
-        const Outcome capabilities = RunPrintctl({L"capabilities", L"--xml", name});
-        EXPECT_EQ(test::CheckPrintSchema(capabilities.out, PrintSchemaKind::Capabilities), std::vector<std::string>());
-        EXPECT_EQ(test::CheckTicketAgainst(ticket, capabilities.out), std::vector<std::string>());
-        EXPECT_EQ(capabilities.out.find("PageScaling\""), std::string::npos);
-
-        const Json to = QueryJson({L"ticket", L"to-devmode", name, File(L"ticket.xml"), L"--out", File(L"dm.bin")});
-        EXPECT_EQ(to.at("conflictResolved"), false);
-        EXPECT_EQ(to.at("deviceMode").at("fields"), QueryJson({L"devmode", name}).at("deviceMode").at("fields"));
-    }
-}
-
 TEST_F(Tickets, CarryWhatTheDriverAdds)
 {
-    const Outcome set = RunPrintctl({L"devmode",
-                                     L"Studio Color",
-                                     L"--set",
-                                     L"pagesPerSheet=4",
-                                     L"--set",
-                                     L"nupLayout=psk:BottomRight",
-                                     L"--set",
-                                     L"staple=psk:StapleDualLeft",
-                                     L"--set",
-                                     L"punch=psk:TopEdge",
-                                     L"--set",
-                                     L"mediatype=Card Stock",
-                                     L"--set",
-                                     L"source=Tray 2",
-                                     L"--set",
-                                     L"watermark=Draft",
-                                     L"--out",
-                                     File(L"in.bin")});
-    ASSERT_EQ(set.code, 0) << set.error;
+    std::vector<std::wstring> set = {L"devmode", L"Studio Color", L"--out", File(L"in.bin")};
+    for (const wchar_t* setting : {L"pagesPerSheet=4",
+                                   L"nupLayout=psk:BottomRight",
+                                   L"staple=psk:StapleDualLeft",
+                                   L"punch=psk:TopEdge",
+                                   L"mediatype=Card Stock",
+                                   L"source=Tray 2",
+                                   L"watermark=Draft"})
+    {
+        set.insert(set.end(), {L"--set", setting});
+    }
+    ASSERT_EQ(RunPrintctl(set).code, 0);
     const Json from = QueryJson({L"ticket", L"from-devmode", L"Studio Color", L"--in", File(L"in.bin")});
     EXPECT_EQ(from.at("changes"), Json::array());
     const std::string ticket = from.at("ticket");
-    EXPECT_EQ(test::CheckPrintSchema(ticket, PrintSchemaKind::Ticket), std::vector<std::string>());
     for (const char* text : {"ns0000:Tray2", "psk:CardStock", "psk:StapleDualLeft", "psk:TopEdge", "psk:BottomRight"})
     {
         EXPECT_NE(ticket.find(text), std::string::npos) << text;
@@ -150,10 +92,37 @@ TEST_F(Tickets, AreCorrectedWhereThePrinterLacksSomething)
     const Json again = QueryJson({L"ticket", L"validate", L"Office Laser", File(L"valid.xml")});
     EXPECT_EQ(again.at("conflictResolved"), false);
     EXPECT_EQ(again.at("changes"), Json::array());
+}
+
+TEST_F(Tickets, AreDumpedWhenTheRegistryAsksForIt)
+{
+    WriteText(File(L"ticket.xml"),
+              "<psf:PrintTicket" + kSchemas +
+                  "<psf:Feature name='psk:PageOutputColor'><psf:Option name='psk:Color'/></psf:Feature>"
+                  "</psf:PrintTicket>");
+    const std::wstring folder = File(L"data");
+    fs::create_directories(fs::path(folder) / "logs");
+    constexpr DWORD kOn = 1;
+    const wchar_t* driverKey = L"Software\\Zelmora\\Tessary\\PrintRedir";
+    const wchar_t* productKey = L"Software\\Zelmora\\Tessary";
+    const auto bytes = static_cast<DWORD>((folder.size() + 1) * sizeof(wchar_t));
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, productKey, L"AppDataPath", REG_SZ, folder.c_str(), bytes);
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, driverKey, L"DumpPTData", REG_DWORD, &kOn, sizeof(kOn));
     const Outcome text = RunPrintctl({L"ticket", L"to-devmode", L"Office Laser", File(L"ticket.xml")});
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, driverKey, L"DumpPTData");
+    RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, productKey, L"AppDataPath");
     EXPECT_EQ(text.code, 0) << text.error;
     EXPECT_NE(text.out.find("Conflicts were resolved.\n"), std::string::npos);
     EXPECT_NE(text.out.find("psk:PageOutputColor: changed from psk:Color to psk:Monochrome\n"), std::string::npos);
+    // The one that came in, and the one that the resulting device mode gives, corrected.
+    const auto dump = [&](const char* name) { return ReadText(fs::path(folder) / "logs" / name); };
+    const std::string cameIn = dump("OfficeLaser_PT2DM.xml");
+    EXPECT_NE(cameIn.find("psk:Color"), std::string::npos);
+    EXPECT_EQ(cameIn.find("psk:PageOrientation"), std::string::npos);
+    const std::string wentOut = dump("OfficeLaser_DM2PT.xml");
+    EXPECT_NE(wentOut.find("psk:Monochrome"), std::string::npos);
+    EXPECT_EQ(wentOut.find("psk:PageScaling\""), std::string::npos);
+    EXPECT_EQ(test::CheckPrintSchema(wentOut, PrintSchemaKind::Ticket), std::vector<std::string>());
 }
 
 TEST_F(Tickets, AreRefusedWithACodeAndAReason)

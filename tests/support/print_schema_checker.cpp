@@ -1,13 +1,13 @@
 #include "tests/support/print_schema_checker.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <span>
 
 #include "service/ticket/keywords.h"
 #include "service/ticket/xml_reader.h"
-#include "tests/support/print_schema_rules.h"
 
 namespace tsypr::test
 {
@@ -22,11 +22,78 @@ using service::XmlAttribute;
 using service::XmlElement;
 using Violations = std::vector<std::string>;
 
-constexpr std::size_t kDeepestOfOneKind = 10;
+// Which elements may be inside an element; lists of words between blanks.
+struct ElementRule
+{
+    std::string_view element;
+    std::string_view children;
+    std::string_view attributes;
+};
+
+constexpr ElementRule kElementRules[] = {{"PrintTicket", " Feature ParameterInit Property ", " version "},
+                                         {"PrintCapabilities", " Feature ParameterDef Property ", " version "},
+                                         {"Feature", " Feature Option Property ", " name "},
+                                         {"Option", " Property ScoredProperty ", " name constrained "},
+                                         {"ParameterDef", " Property ", " name "},
+                                         {"ParameterInit", " Value ", " name "},
+                                         {"ParameterRef", " ", " name "},
+                                         {"Property", " Property Value ", " name "},
+                                         {"ScoredProperty", " ParameterRef Property ScoredProperty Value ", " name "},
+                                         {"Value", " ", " type "}};
+
+// Public features, and the options of those whose options are few. An empty list allows any name.
+struct FeatureRule
+{
+    std::string_view feature;
+    std::string_view options;
+    std::string_view excluded; // the features of the same setting that must not be in a ticket beside it
+};
+
+constexpr std::string_view kStapleNames = " None SaddleStitch StapleBottomLeft StapleBottomRight "
+                                          "StapleDualBottom StapleDualLeft StapleDualRight StapleDualTop "
+                                          "StapleTopLeft StapleTopRight ";
+constexpr std::string_view kPunchNames = " None BottomEdge LeftEdge RightEdge TopEdge ";
+constexpr std::string_view kDuplexNames = " OneSided TwoSidedLongEdge TwoSidedShortEdge ";
+
+constexpr FeatureRule kFeatureRules[] = {
+    {"PageMediaSize", "", ""},
+    {"PageOrientation", " Landscape Portrait ReverseLandscape ReversePortrait ", ""},
+    {"JobDuplexAllDocumentsContiguously", kDuplexNames, " DocumentDuplex "},
+    {"DocumentDuplex", kDuplexNames, " JobDuplexAllDocumentsContiguously "},
+    {"PageOutputColor", " Color Grayscale Monochrome ", ""},
+    {"PageOutputQuality", " Automatic Draft Fax High Normal Photographic Text ", ""},
+    {"PageResolution", "", ""},
+    {"JobInputBin", "", " DocumentInputBin PageInputBin "},
+    {"DocumentInputBin", "", " JobInputBin PageInputBin "},
+    {"PageInputBin", "", " JobInputBin DocumentInputBin "},
+    {"PageMediaType", "", ""},
+    {"DocumentCollate", " Collated Uncollated ", " JobCollateAllDocuments "},
+    {"JobCollateAllDocuments", " Collated Uncollated ", " DocumentCollate "},
+    {"PageScaling",
+     " Custom CustomSquare FitApplicationBleedSizeToPageImageableSize FitApplicationContentSizeToPageImageableSize "
+     "FitApplicationMediaSizeToPageImageableSize FitApplicationMediaSizeToPageMediaSize None ",
+     ""},
+    {"JobNUpAllDocumentsContiguously", "", " DocumentNUp "},
+    {"DocumentNUp", "", " JobNUpAllDocumentsContiguously "},
+    {"PresentationDirection", " RightBottom BottomRight LeftBottom BottomLeft RightTop TopRight LeftTop TopLeft ", ""},
+    {"JobStapleAllDocuments", kStapleNames, " DocumentStaple "},
+    {"DocumentStaple", kStapleNames, " JobStapleAllDocuments "},
+    {"JobHolePunch", kPunchNames, " DocumentHolePunch "},
+    {"DocumentHolePunch", kPunchNames, " JobHolePunch "},
+};
+
+constexpr std::string_view kParameterNames =
+    " JobCopiesAllDocuments DocumentCopiesAllPages PageCopies PageMediaSizeMediaSizeWidth PageMediaSizeMediaSizeHeight "
+    "PageScalingScale PageScalingScaleWidth PageScalingScaleHeight PageScalingOffsetWidth PageScalingOffsetHeight ";
 
 bool IsListed(std::string_view list, std::string_view word)
 {
     return list.find(" " + std::string(word) + " ") != std::string_view::npos;
+}
+
+bool IsListed(std::string_view list, const std::optional<QName>& keyword)
+{
+    return keyword && keyword->uri == service::kKeywordsUri && IsListed(list, keyword->local);
 }
 
 std::optional<XmlElement> Parse(std::string_view xml)
@@ -52,12 +119,6 @@ bool IsInteger(std::string_view text)
     return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-std::string ShowName(const XmlElement& element)
-{
-    const XmlAttribute* name = element.FindAttribute({"", "name"});
-    return element.tag.local + (name == nullptr ? "" : " " + name->value);
-}
-
 // The value of a property such as psf:MinValue; null when there is none.
 const XmlElement* PropertyValue(const XmlElement& element, std::string_view name)
 {
@@ -70,278 +131,211 @@ long long Number(const XmlElement* value)
     return value == nullptr || !IsInteger(value->text) ? 0 : std::stoll(value->text);
 }
 
-class Checker
+// An element where it stands.
+struct Place
 {
-public:
-    explicit Checker(PrintSchemaKind kind) : m_isTicket(kind == PrintSchemaKind::Ticket) {}
+    const XmlElement& element;
+    const XmlElement& parent; // of the root, the root itself
+    const XmlElement& root;
+    bool isTicket;
 
-    Violations Check(const XmlElement& root)
+    const std::string& Tag() const
     {
-        m_root = &root;
-        m_path = {root.tag.local};
-        const XmlAttribute* version = root.FindAttribute({"", "version"});
-        Expect(root.tag == Psf(m_isTicket ? "PrintTicket" : "PrintCapabilities"), "is not the root of this document");
-        Expect(version != nullptr && version->value == "1", "needs version 1");
-        ExpectDeclaration("psf", service::kFrameworkUri);
-        ExpectDeclaration("psk", service::kKeywordsUri);
-        ExpectDeclaration("xsi", service::kInstanceUri);
-        ExpectDeclaration("xsd", service::kTypesUri);
-        CheckContent(root);
-        CheckExclusions(root);
-        return std::move(m_violations);
+        return element.tag.local;
     }
-
-private:
-    void Expect(bool isGood, const std::string& reason)
+    const XmlAttribute* Attribute(const char* name) const
     {
-        if (isGood)
-        {
-            return;
-        }
-        std::string place;
-        for (std::size_t i = m_path.size() > 1 ? 1 : 0; i < m_path.size(); ++i)
-        {
-            place += (place.empty() ? "" : "/") + m_path[i];
-        }
-        m_violations.push_back(place + ": " + reason);
+        return element.FindAttribute({"", name});
     }
-
-    // Consumers look for the usual prefixes in the text.
-    void ExpectDeclaration(std::string_view prefix, std::string_view uri)
-    {
-        const bool isThere = std::ranges::any_of(m_root->declarations,
-                                                 [&](const service::XmlDeclaration& declaration)
-                                                 { return declaration.prefix == prefix && declaration.uri == uri; });
-        Expect(isThere, "declares no namespace for " + std::string(prefix));
-    }
-
-    void Visit(const XmlElement& element)
-    {
-        m_path.push_back(ShowName(element));
-        const std::string& tag = element.tag.local;
-        const auto depth = std::ranges::count_if(
-            m_path, [&](const std::string& step) { return step == tag || step.starts_with(tag + " "); });
-        Expect(static_cast<std::size_t>(depth) <= kDeepestOfOneKind, "is nested too deeply");
-        CheckContent(element);
-        m_path.pop_back();
-    }
-
-    void CheckContent(const XmlElement& element)
-    {
-        const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, element.tag.local);
-        if (element.tag.uri != service::kFrameworkUri || rule == nullptr)
-        {
-            Expect(false, "is no element of the framework");
-            return;
-        }
-        CheckAttributes(element, *rule);
-        Expect(element.text.empty() || rule->element == "Value", "must not hold text");
-        for (const XmlElement& child : element.children)
-        {
-            Expect(IsListed(rule->children, child.tag.local), "must not hold " + child.tag.local);
-            CheckIsFirst(child, element);
-        }
-        CheckKind(element);
-        for (const XmlElement& child : element.children)
-        {
-            Visit(child);
-        }
-    }
-
-    void CheckAttributes(const XmlElement& element, const ElementRule& rule)
-    {
-        for (const XmlAttribute& attribute : element.attributes)
-        {
-            const bool isType = attribute.name == service::TypeAttribute();
-            Expect((attribute.name.uri.empty() || isType) && IsListed(rule.attributes, attribute.name.local),
-                   "must not have the attribute " + attribute.name.local);
-            Expect(attribute.name.local != "name" || attribute.qualified, "has a name without a declared prefix");
-        }
-        Expect(!rule.isNamed || element.FindAttribute({"", "name"}) != nullptr, "has no name");
-    }
-
-    void CheckIsFirst(const XmlElement& child, const XmlElement& parent)
-    {
-        const std::optional<QName> name = child.Name();
-        Expect(!name || parent.FindChild(child.tag, *name) == &child, "holds a second " + ShowName(child));
-    }
-
-    void CheckKind(const XmlElement& element)
-    {
-        const std::string& tag = element.tag.local;
-        if (tag == "Feature")
-        {
-            CheckFeature(element);
-        }
-        else if (tag == "Option")
-        {
-            CheckOption(element);
-        }
-        else if (tag == "Value")
-        {
-            CheckValue(element);
-        }
-        else if (tag == "ParameterDef")
-        {
-            CheckParameterDefinition(element);
-        }
-        else if (tag == "ParameterRef")
-        {
-            const std::optional<QName> name = element.Name();
-            Expect(name && m_root->FindChild(Psf(m_isTicket ? "ParameterInit" : "ParameterDef"), *name) != nullptr,
-                   "refers to a parameter that is not there");
-        }
-        else if (tag == "ScoredProperty")
-        {
-            const std::size_t values = Count(element, "Value") + Count(element, "ParameterRef");
-            Expect(values == 1 || (values == 0 && Count(element, "ScoredProperty") > 0),
-                   "needs one value or one reference");
-        }
-        else if (tag == "Property")
-        {
-            Expect(!element.children.empty(), "holds nothing");
-        }
-        else if (tag == "ParameterInit")
-        {
-            Expect(Count(element, "Value") == 1, "needs one value");
-        }
-        if (tag.starts_with("ParameterDef") || tag == "ParameterInit")
-        {
-            const std::optional<QName> name = element.Name();
-            Expect(!name || name->uri != service::kKeywordsUri || IsListed(kParameterNames, name->local),
-                   "is no public parameter");
-        }
-    }
-
-    void CheckFeature(const XmlElement& element)
-    {
-        const std::size_t options = Count(element, "Option");
-        const bool hasParts = Count(element, "Feature") > 0;
-        Expect(options > 0 || hasParts, "has neither options nor features");
-        Expect(!m_isTicket || options <= 1, "has more than one option");
-        const XmlElement* selection = PropertyValue(element, "SelectionType");
-        const bool isPart = m_path.size() > 2;
-        Expect(m_isTicket || isPart || selection != nullptr, "has no selection type");
-        Expect(selection == nullptr || IsKeyword(*selection, kSelections), "has an unknown selection type");
-        const std::optional<QName> name = element.Name();
-        if (name && name->uri == service::kKeywordsUri)
-        {
-            const FeatureRule* rule = FindRule(kFeatureRules, &FeatureRule::feature, name->local);
-            Expect(rule != nullptr, "is no public feature");
-            for (const XmlElement& child : element.children)
-            {
-                const std::optional<QName> option = child.Name();
-                const bool isPublic = child.tag == Psf("Option") && option && option->uri == service::kKeywordsUri;
-                Expect(!isPublic || rule == nullptr || rule->options.empty() || IsListed(rule->options, option->local),
-                       "has no public option " + (option ? option->local : ""));
-            }
-        }
-    }
-
-    void CheckOption(const XmlElement& element)
-    {
-        Expect(element.FindAttribute({"", "name"}) != nullptr || Count(element, "ScoredProperty") > 0,
-               "has neither a name nor a scored property");
-        const XmlAttribute* constrained = element.FindAttribute({"", "constrained"});
-        Expect(!m_isTicket || constrained == nullptr, "must not be constrained in a ticket");
-        const bool isKnown = constrained != nullptr && constrained->qualified &&
-                             constrained->qualified->uri == service::kKeywordsUri &&
-                             IsListed(kConstraints, constrained->qualified->local);
-        Expect(constrained == nullptr || isKnown, "has an unknown constraint");
-    }
-
-    void CheckValue(const XmlElement& element)
+    // The type of a value, an empty text when that is no type of the XML Schema's, or else "none".
+    std::string Type() const
     {
         const XmlAttribute* type = element.FindAttribute(service::TypeAttribute());
-        if (type == nullptr)
-        {
-            return;
-        }
-        const bool isType = type->qualified && type->qualified->uri == service::kTypesUri;
-        const std::string name = isType ? type->qualified->local : "";
-        Expect(IsListed(" string integer decimal QName ", name), "has an unknown type");
-        Expect(name != "integer" || element.text.empty() || IsInteger(element.text), "is no integer");
-        Expect(name != "QName" || element.text.empty() || element.qualifiedText, "is no qualified name");
+        const bool isType = type != nullptr && type->qualified && type->qualified->uri == service::kTypesUri;
+        return type == nullptr ? "none" : isType ? type->qualified->local : "";
     }
-
-    static bool IsKeyword(const XmlElement& value, std::string_view list)
+    bool IsPublic() const
     {
-        return value.qualifiedText && value.qualifiedText->uri == service::kKeywordsUri &&
-               IsListed(list, value.qualifiedText->local);
+        return element.Name() && element.Name()->uri == service::kKeywordsUri;
     }
-
-    void CheckParameterDefinition(const XmlElement& element)
-    {
-        for (const char* name :
-             {"DataType", "DefaultValue", "MinValue", "MaxValue", "Multiple", "Mandatory", "UnitType"})
-        {
-            Expect(PropertyValue(element, name) != nullptr, "has no " + std::string(name));
-        }
-        const XmlElement* mandatory = PropertyValue(element, "Mandatory");
-        Expect(mandatory == nullptr || IsKeyword(*mandatory, kMandatory), "is mandatory in an unknown way");
-        const long long value = Number(PropertyValue(element, "DefaultValue"));
-        Expect(value >= Number(PropertyValue(element, "MinValue")) &&
-                   value <= Number(PropertyValue(element, "MaxValue")),
-               "has a default outside its range");
-    }
-
-    // Features that say the same in different scopes: one in a ticket; in capabilities, all but one out of reach.
-    void CheckExclusions(const XmlElement& root)
-    {
-        for (const FeatureRule& rule : kFeatureRules)
-        {
-            const XmlElement* feature = root.FindChild(Psf("Feature"), Psk(rule.feature));
-            for (const FeatureRule& other : kFeatureRules)
-            {
-                const XmlElement* second = root.FindChild(Psf("Feature"), Psk(other.feature));
-                const bool areBoth = feature != nullptr && second != nullptr && IsListed(rule.excluded, other.feature);
-                Expect(!areBoth || (!m_isTicket && (IsOutOfReach(*feature) || IsOutOfReach(*second))),
-                       std::string(rule.feature) + " and " + std::string(other.feature) + " exclude each other");
-            }
-        }
-    }
-
-    static bool IsOutOfReach(const XmlElement& feature)
-    {
-        return std::ranges::all_of(feature.children,
-                                   [](const XmlElement& child)
-                                   {
-                                       const XmlAttribute* constrained = child.FindAttribute({"", "constrained"});
-                                       return child.tag != Psf("Option") ||
-                                              (constrained != nullptr && constrained->qualified != Psk("None"));
-                                   });
-    }
-
-    bool m_isTicket;
-    const XmlElement* m_root = nullptr;
-    std::vector<std::string> m_path;
-    Violations m_violations;
 };
 
-// What `offer` does not have of the features in `asked`.
-void CompareFeatures(const XmlElement& asked, const XmlElement& offer, const std::string& place, Violations& violations)
+// Whether no option of a feature can be chosen.
+bool IsOutOfReach(const XmlElement& feature)
 {
-    for (const XmlElement& feature : asked.children)
+    const auto isFree = [](const XmlElement& child)
     {
-        const std::optional<QName> name = feature.Name();
-        if (feature.tag != Psf("Feature") || !name)
+        const XmlAttribute* constrained = child.FindAttribute({"", "constrained"});
+        return child.tag == Psf("Option") && (constrained == nullptr || constrained->qualified == Psk("None"));
+    };
+    return std::ranges::none_of(feature.children, isFree);
+}
+
+const FeatureRule* RuleOf(const XmlElement& feature)
+{
+    return FindRule(kFeatureRules, &FeatureRule::feature, feature.Name() ? feature.Name()->local : "");
+}
+
+// Features that say the same in different scopes: one in a ticket; in capabilities, all but one out of reach.
+bool IsAlone(const Place& at)
+{
+    const FeatureRule* rule = RuleOf(at.element);
+    const auto excludes = [&](const XmlElement& other)
+    {
+        return rule != nullptr && IsListed(rule->excluded, other.Name()) &&
+               (at.isTicket || !(IsOutOfReach(at.element) || IsOutOfReach(other)));
+    };
+    return std::ranges::none_of(at.root.children, excludes);
+}
+
+bool HasUsualPrefixes(const Place& at)
+{
+    std::string found;
+    for (const service::XmlDeclaration& one : at.root.declarations)
+    {
+        found += " " + one.prefix + "=" + one.uri + " ";
+    }
+    return IsListed(found, "psf=" + std::string(service::kFrameworkUri)) &&
+           IsListed(found, "psk=" + std::string(service::kKeywordsUri)) &&
+           IsListed(found, "xsi=" + std::string(service::kInstanceUri)) &&
+           IsListed(found, "xsd=" + std::string(service::kTypesUri));
+}
+
+bool HasOnlyItsAttributes(const Place& at)
+{
+    const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, at.Tag());
+    const auto isOwn = [&](const XmlAttribute& attribute)
+    {
+        return (attribute.name.uri.empty() || attribute.name == service::TypeAttribute()) && rule != nullptr &&
+               IsListed(rule->attributes, attribute.name.local);
+    };
+    return std::ranges::all_of(at.element.attributes, isOwn);
+}
+
+bool IsAllowedHere(const Place& at)
+{
+    const ElementRule* rule = FindRule(kElementRules, &ElementRule::element, at.parent.tag.local);
+    return at.element.tag.uri == service::kFrameworkUri &&
+           (&at.element == &at.root || (rule != nullptr && IsListed(rule->children, at.Tag())));
+}
+
+bool IsDefinedWhole(const Place& at)
+{
+    const auto value = [&](const char* name) { return PropertyValue(at.element, name); };
+    for (const char* name : {"DataType", "DefaultValue", "MinValue", "MaxValue", "Multiple", "Mandatory", "UnitType"})
+    {
+        if (value(name) == nullptr)
         {
-            continue;
+            return false;
         }
-        const std::string here = place + "/" + name->local;
-        const XmlElement* offered = offer.FindChild(feature.tag, *name);
-        if (offered == nullptr)
+    }
+    const long long number = Number(value("DefaultValue"));
+    return IsListed(" Unconditional Conditional Optional ", value("Mandatory")->qualifiedText) &&
+           number >= Number(value("MinValue")) && number <= Number(value("MaxValue"));
+}
+
+// Takes whether something is as it must be, and what is wrong otherwise.
+using Expect = std::function<void(bool isGood, const char* reason)>;
+
+void CheckAnything(const Place& at, const Expect& expect)
+{
+    const XmlAttribute* name = at.Attribute("name");
+    const std::optional<QName>& known = at.element.Name();
+    const bool isNamed =
+        IsListed(" Feature ParameterDef ParameterInit ParameterRef Property ScoredProperty ", at.Tag());
+    expect(IsAllowedHere(at), "is no element of the framework that may stand here");
+    expect(HasOnlyItsAttributes(at), "has an attribute that is not its own");
+    expect(name == nullptr || name->qualified, "has a name without a declared prefix");
+    expect(!isNamed || name != nullptr, "has no name");
+    expect(!known || at.parent.FindChild(at.element.tag, *known) == &at.element, "is a second one");
+    expect(at.element.text.empty() || at.Tag() == "Value", "has text");
+}
+
+void CheckRoot(const Place& at, const Expect& expect)
+{
+    const XmlAttribute* version = at.Attribute("version");
+    expect(HasUsualPrefixes(at), "does not declare the usual prefixes"); // some programs look for them
+    expect(version != nullptr && version->value == "1", "needs version 1");
+}
+
+void CheckFeature(const Place& at, const Expect& expect)
+{
+    const std::size_t options = Count(at.element, "Option");
+    const XmlElement* selection = PropertyValue(at.element, "SelectionType");
+    const bool isKnown = selection != nullptr ? IsListed(" PickOne PickMany ", selection->qualifiedText)
+                                              : at.isTicket || &at.parent != &at.root;
+    expect(options + Count(at.element, "Feature") > 0, "has neither options nor features");
+    expect(!at.isTicket || options <= 1, "has more than one option");
+    expect(isKnown, "has no selection type");
+    expect(!at.IsPublic() || RuleOf(at.element) != nullptr, "is no public feature");
+    expect(IsAlone(at), "is there beside a feature that excludes it");
+}
+
+void CheckOption(const Place& at, const Expect& expect)
+{
+    static constexpr std::string_view kConstraints = " None PrintTicketSettings AdminSettings DeviceSettings ";
+    const FeatureRule* rule = RuleOf(at.parent);
+    const bool isFree = !at.IsPublic() || rule == nullptr || rule->options.empty();
+    const XmlAttribute* constrained = at.Attribute("constrained");
+    const bool isKnown = constrained == nullptr || (!at.isTicket && IsListed(kConstraints, constrained->qualified));
+    expect(isFree || IsListed(rule->options, at.element.Name()), "is no public option of this feature");
+    expect(at.Attribute("name") != nullptr || Count(at.element, "ScoredProperty") > 0,
+           "has neither a name nor a scored property");
+    expect(isKnown, "has a constraint in a ticket or an unknown one");
+}
+
+void CheckValue(const Place& at, const Expect& expect)
+{
+    const std::string type = at.Type();
+    const std::string& text = at.element.text;
+    expect(IsListed(" none string integer decimal QName ", type), "has an unknown type");
+    expect(text.empty() || type != "integer" || IsInteger(text), "is not of its type");
+    expect(text.empty() || type != "QName" || at.element.qualifiedText, "is not of its type");
+}
+
+void CheckParameter(const Place& at, const Expect& expect)
+{
+    const QName target = Psf(at.isTicket ? "ParameterInit" : "ParameterDef");
+    const bool isThere = at.element.Name() && at.root.FindChild(target, *at.element.Name()) != nullptr;
+    const bool isInit = at.Tag() == "ParameterInit";
+    expect(!at.IsPublic() || IsListed(kParameterNames, at.element.Name()), "is no public parameter");
+    expect(!isInit || Count(at.element, "Value") == 1, "needs one value");
+    expect(isThere, "refers to a parameter that is not there");
+    expect(at.Tag() != "ParameterDef" || IsDefinedWhole(at), "lacks a property or has a default outside its range");
+}
+
+void CheckProperty(const Place& at, const Expect& expect)
+{
+    const std::size_t values = Count(at.element, "Value") + Count(at.element, "ParameterRef");
+    const bool isScored = at.Tag() == "ScoredProperty";
+    expect(!at.element.children.empty(), "holds nothing");
+    expect(!isScored || values == 1 || Count(at.element, "ScoredProperty") > 0, "needs one value or one reference");
+}
+
+void Check(const Place& at, const std::string& path, Violations& violations)
+{
+    const XmlAttribute* name = at.Attribute("name");
+    const std::string here = path + "/" + at.Tag() + (name == nullptr ? "" : " " + name->value);
+    const auto expect = [&](bool isGood, const char* reason)
+    { isGood ? void() : violations.push_back(here + ": " + reason); };
+    static const std::pair<std::string_view, void (*)(const Place&, const Expect&)> kChecks[] = {
+        {" PrintTicket PrintCapabilities ", CheckRoot},
+        {" Feature ", CheckFeature},
+        {" Option ", CheckOption},
+        {" Value ", CheckValue},
+        {" ParameterDef ParameterInit ParameterRef ", CheckParameter},
+        {" Property ScoredProperty ", CheckProperty}};
+    CheckAnything(at, expect);
+    for (const auto& [tags, check] : kChecks)
+    {
+        if (IsListed(tags, at.Tag()))
         {
-            violations.push_back(here + ": is not offered");
-            continue;
+            check(at, expect);
         }
-        const XmlElement* option = feature.FindChild(Psf("Option"));
-        const std::optional<QName> chosen = option == nullptr ? std::nullopt : option->Name();
-        if (chosen && offered->FindChild(Psf("Option"), *chosen) == nullptr)
-        {
-            violations.push_back(here + ": " + chosen->local + " is not offered");
-        }
-        CompareFeatures(feature, *offered, here, violations);
+    }
+    for (const XmlElement& child : at.element.children)
+    {
+        Check({child, at.element, at.root, at.isTicket}, here, violations);
     }
 }
 
@@ -350,34 +344,13 @@ void CompareFeatures(const XmlElement& asked, const XmlElement& offer, const std
 std::vector<std::string> CheckPrintSchema(std::string_view xml, PrintSchemaKind kind)
 {
     const std::optional<XmlElement> root = Parse(xml);
-    return root ? Checker(kind).Check(*root) : Violations{"the document cannot be read"};
-}
-
-std::vector<std::string> CheckTicketAgainst(std::string_view ticket, std::string_view capabilities)
-{
-    const std::optional<XmlElement> asked = Parse(ticket);
-    const std::optional<XmlElement> offer = Parse(capabilities);
-    if (!asked || !offer)
+    const bool isTicket = kind == PrintSchemaKind::Ticket;
+    if (!root || root->tag != Psf(isTicket ? "PrintTicket" : "PrintCapabilities"))
     {
-        return {"a document cannot be read"};
+        return {"the document cannot be read or is another"};
     }
     Violations violations;
-    CompareFeatures(*asked, *offer, "", violations);
-    for (const XmlElement& parameter : asked->children)
-    {
-        const std::optional<QName> name = parameter.Name();
-        if (parameter.tag != Psf("ParameterInit") || !name)
-        {
-            continue;
-        }
-        const XmlElement* definition = offer->FindChild(Psf("ParameterDef"), *name);
-        const long long value = Number(parameter.FindChild(Psf("Value")));
-        if (definition == nullptr || value < Number(PropertyValue(*definition, "MinValue")) ||
-            value > Number(PropertyValue(*definition, "MaxValue")))
-        {
-            violations.push_back(name->local + ": is not offered or outside its range");
-        }
-    }
+    Check({*root, *root, *root, isTicket}, "", violations);
     return violations;
 }
 

@@ -19,9 +19,6 @@ enum class PrintSchemaKind
 // in UTF-8 or UTF-16.
 std::vector<std::string> CheckPrintSchema(std::string_view xml, PrintSchemaKind kind);
 
-// What in a ticket the capabilities of its printer do not offer: features, options, parameters and their ranges.
-std::vector<std::string> CheckTicketAgainst(std::string_view ticket, std::string_view capabilities);
-
 } // namespace tsypr::test
 
 #endif

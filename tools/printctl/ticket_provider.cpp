@@ -1,6 +1,7 @@
 #include "tools/printctl/ticket_provider.h"
 
 #include "remote/private_devmode.h"
+#include "service/ticket/result_codes.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
 #include "tools/printctl/text.h"
@@ -15,8 +16,7 @@ namespace tsypr::printctl
 namespace
 {
 
-// Of the two codes for success, the one of a ticket that could not stay as it was.
-constexpr HRESULT kConflictResolved = 0x00040002;
+using service::kConflictResolved;
 
 std::string Hexadecimal(HRESULT result)
 {
