@@ -1,7 +1,6 @@
 // Printing from programs that Wine ships: their user, who is this other process, opens the printing preferences from
 // the program's own dialogs, changes every page and presses OK; the program has the choices from then on.
 #include "language/resource_ids.h"
-#include "tests/apps/application.h"
 #include "tools/page_pictures/window_picture.h"
 #include "tools/preferences_user/sheet_user.h"
 
@@ -9,7 +8,9 @@
 #include <winspool.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <sstream>
 
@@ -21,11 +22,11 @@ namespace
 namespace fs = std::filesystem;
 using namespace tsypr::preferences_user;
 
-constexpr wchar_t kNotepad[] = L"C:\\windows\\notepad.exe";
-constexpr wchar_t kWordpad[] = L"C:\\Program Files\\Windows NT\\Accessories\\wordpad.exe";
-// Of the system's dialogs.
-constexpr int kPrinterButton = psh3;
-constexpr int kPreferencesButton = psh2;
+constexpr wchar_t kNotepad[] = LR"("C:\windows\notepad.exe" C:\windows\win.ini)";
+constexpr wchar_t kWordpad[] = LR"("C:\Program Files\Windows NT\Accessories\wordpad.exe" C:\windows\win.ini)";
+// In the system's print dialogs.
+constexpr int kPreferences = psh2;
+constexpr int kPrinter = psh3;
 constexpr int kNone = 0;
 
 struct Case
@@ -42,7 +43,7 @@ const Case kCases[] = {
     {"NotepadPrint", kNotepad, 260, kNone, cmb4, true},
     {"NotepadPrinterSetup", kNotepad, 262, kNone, cmb1, false},
     {"WordpadPrint", kWordpad, 1010, kNone, cmb4, true},
-    {"WordpadPageSetup", kWordpad, 1012, kPrinterButton, cmb4, false},
+    {"WordpadPageSetup", kWordpad, 1012, kPrinter, cmb4, false},
 };
 
 // The lists that the user changes: a page, and those on it. The paper source is not among them: Wine's page setup puts
@@ -57,7 +58,7 @@ const std::map<int, std::vector<int>> kLists = {
 
 using Choices = std::map<int, std::wstring>;
 
-std::wstring TextOf(HWND list)
+std::wstring ChosenIn(HWND list)
 {
     wchar_t text[256] = L"";
     SendMessageW(list, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(text));
@@ -65,15 +66,113 @@ std::wstring TextOf(HWND list)
 }
 
 // The entry before the one that is chosen, or the last one.
-std::wstring AnotherEntry(HWND list)
+std::wstring AnotherOf(HWND list)
 {
-    const LRESULT index = SendMessageW(list, CB_GETCURSEL, 0, 0);
-    const LRESULT count = SendMessageW(list, CB_GETCOUNT, 0, 0);
+    const LRESULT chosen = SendMessageW(list, CB_GETCURSEL, 0, 0);
+    const LRESULT other = chosen > 0 ? chosen - 1 : SendMessageW(list, CB_GETCOUNT, 0, 0) - 1;
     wchar_t text[256] = L"";
-    SendMessageW(
-        list, CB_GETLBTEXT, static_cast<WPARAM>(index > 0 ? index - 1 : count - 1), reinterpret_cast<LPARAM>(text));
+    SendMessageW(list, CB_GETLBTEXT, static_cast<WPARAM>(other), reinterpret_cast<LPARAM>(text));
     return text;
 }
+
+using WindowVisitor = std::function<bool(HWND)>; // false ends the visit
+
+BOOL CALLBACK Visit(HWND window, LPARAM visitor)
+{
+    return (*reinterpret_cast<const WindowVisitor*>(visitor))(window) ? TRUE : FALSE;
+}
+
+std::string Describe(HWND window)
+{
+    wchar_t name[64] = L"";
+    wchar_t text[256] = L"";
+    DWORD_PTR length = 0;
+    GetClassNameW(window, name, 64);
+    // A program that hangs does not keep this one.
+    SendMessageTimeoutW(window, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(text), SMTO_ABORTIFHUNG, 1000, &length);
+    const std::u8string utf8 = std::filesystem::path(std::wstring(name) + L" \"" + text).u8string();
+    return std::to_string(GetDlgCtrlID(window)) + " " + std::string(utf8.begin(), utf8.end()) +
+           (IsWindowEnabled(window) != FALSE ? "\"\n" : "\" disabled\n");
+}
+
+// All windows on the screen and what is in them, a line for each.
+std::string DescribeScreen()
+{
+    std::string screen;
+    const WindowVisitor describeChild = [&](HWND window)
+    {
+        screen += IsWindowVisible(window) != FALSE ? "  " + Describe(window) : "";
+        return true;
+    };
+    const WindowVisitor describe = [&](HWND window)
+    {
+        if (IsWindowVisible(window) != FALSE)
+        {
+            screen += Describe(window);
+            EnumChildWindows(window, Visit, reinterpret_cast<LPARAM>(&describeChild));
+        }
+        return true;
+    };
+    EnumWindows(Visit, reinterpret_cast<LPARAM>(&describe));
+    return screen;
+}
+
+// A program that Wine ships, as its user sees it. It runs until the end of the object, whatever it shows then.
+class Application
+{
+public:
+    explicit Application(std::wstring commandLine)
+    {
+        STARTUPINFOW start{};
+        start.cb = sizeof(start);
+        CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &m_process);
+    }
+    ~Application()
+    {
+        TerminateProcess(m_process.hProcess, 0);
+        WaitForSingleObject(m_process.hProcess, INFINITE);
+        CloseHandle(m_process.hThread);
+        CloseHandle(m_process.hProcess);
+    }
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    bool IsRunning() const
+    {
+        return WaitForSingleObject(m_process.hProcess, 0) == WAIT_TIMEOUT;
+    }
+
+    // Chooses a command of the main window's menu, as soon as the window takes input.
+    bool Command(WORD command) const
+    {
+        const HWND window = WaitForWindow([](HWND candidate) { return GetMenu(candidate) != nullptr; });
+        return window != nullptr && PostMessageW(window, WM_COMMAND, command, 0) != FALSE;
+    }
+
+    // Waits for a dialog that takes input and has this control; null if none comes.
+    HWND DialogWith(int control) const
+    {
+        return WaitForWindow([control](HWND window) { return GetDlgItem(window, control) != nullptr; });
+    }
+
+private:
+    HWND WaitForWindow(const std::function<bool(HWND)>& isWanted) const
+    {
+        HWND found = nullptr;
+        const WindowVisitor look = [&](HWND window)
+        {
+            DWORD process = 0;
+            GetWindowThreadProcessId(window, &process);
+            const bool takesInput = IsWindowVisible(window) != FALSE && IsWindowEnabled(window) != FALSE;
+            found = process == m_process.dwProcessId && takesInput && isWanted(window) ? window : nullptr;
+            return found == nullptr;
+        };
+        WaitUntil([&] { return EnumWindows(Visit, reinterpret_cast<LPARAM>(&look)) == FALSE || !IsRunning(); });
+        return found;
+    }
+
+    PROCESS_INFORMATION m_process{};
+};
 
 // The imported printer where there is one, and one of our own otherwise; the system's default printer from here on.
 std::wstring ProductPrinter()
@@ -142,14 +241,14 @@ protected:
         const HWND dialog = m_application.DialogWith(one.printerList);
         const HWND printers = GetDlgItem(dialog, one.printerList);
         // Choosing a printer again makes a dialog forget its settings.
-        const bool isChosen = TextOf(printers) == m_printer || Choose(printers, m_printer);
+        const bool isChosen = ChosenIn(printers) == m_printer || Choose(printers, m_printer);
         return isChosen ? dialog : nullptr;
     }
 
     HWND OpenPreferences(HWND dialog) const
     {
         HWND sheet = nullptr;
-        return Click(GetDlgItem(dialog, kPreferencesButton)) &&
+        return Click(GetDlgItem(dialog, kPreferences)) &&
                        WaitUntil([&] { return (sheet = FindSheet()) != nullptr || !m_application.IsRunning(); })
                    ? sheet
                    : nullptr;
@@ -163,7 +262,7 @@ protected:
             EXPECT_TRUE(ShowPage(sheet, page));
             for (const int list : lists)
             {
-                choices[list] = TextOf(PageControl(sheet, list));
+                choices[list] = ChosenIn(PageControl(sheet, list));
             }
         }
         return choices;
@@ -177,7 +276,7 @@ protected:
             for (const int list : lists)
             {
                 const HWND control = PageControl(sheet, list);
-                EXPECT_TRUE(Choose(control, AnotherEntry(control))) << list;
+                EXPECT_TRUE(Choose(control, AnotherOf(control))) << list;
             }
         }
         return ReadChoices(sheet);
@@ -195,7 +294,7 @@ protected:
 
 private:
     const std::wstring m_printer = ProductPrinter();
-    Application m_application{GetParam().program, L"C:\\windows\\win.ini"};
+    Application m_application{GetParam().program};
 };
 
 TEST_P(ApplicationTest, HasWhatItsUserChose)
