@@ -14,7 +14,8 @@ end() {
 trap end EXIT
 rm -f -- "$faults"
 start_display "$prefix/display" "$prefix/display.log"
-# A server that outlives a program that is killed must not hold its output.
+# A server that is left from before has another display, and one that is left behind must not hold the output.
+stop_wineserver "$prefix"
 start_wineserver "$prefix" >/dev/null 2>&1
 scripts/wine-run.sh "${@:2}"
 [ ! -s "$faults" ] || { cat -- "$faults"; exit 1; }
