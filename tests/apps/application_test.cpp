@@ -226,29 +226,33 @@ protected:
         return m_application;
     }
 
-    // The program's dialog with the printer chosen, or null.
-    HWND OpenDialog() const
+    // Opens the program's dialog and chooses the printer.
+    bool OpenDialog() const
     {
         const Case& one = GetParam();
         if (!m_application.Command(one.command))
         {
-            return nullptr;
+            return false;
         }
         if (one.button != kNone && !Click(GetDlgItem(m_application.DialogWith(one.button), one.button)))
         {
-            return nullptr;
+            return false;
         }
-        const HWND dialog = m_application.DialogWith(one.printerList);
-        const HWND printers = GetDlgItem(dialog, one.printerList);
+        const HWND printers = GetDlgItem(Dialog(), one.printerList);
         // Choosing a printer again makes a dialog forget its settings.
-        const bool isChosen = ChosenIn(printers) == m_printer || Choose(printers, m_printer);
-        return isChosen ? dialog : nullptr;
+        return ChosenIn(printers) == m_printer || Choose(printers, m_printer);
     }
 
-    HWND OpenPreferences(HWND dialog) const
+    // The dialog, as soon as it takes input.
+    HWND Dialog() const
+    {
+        return m_application.DialogWith(GetParam().printerList);
+    }
+
+    HWND OpenPreferences() const
     {
         HWND sheet = nullptr;
-        return Click(GetDlgItem(dialog, kPreferences)) &&
+        return Click(GetDlgItem(Dialog(), kPreferences)) &&
                        WaitUntil([&] { return (sheet = FindSheet()) != nullptr || !m_application.IsRunning(); })
                    ? sheet
                    : nullptr;
@@ -283,13 +287,13 @@ protected:
     }
 
     // The preferences show these; what the user changes in them without pressing OK has no effect.
-    void ExpectChoices(HWND dialog, const Choices& expected) const
+    void ExpectChoices(const Choices& expected) const
     {
-        const HWND sheet = OpenPreferences(dialog);
+        const HWND sheet = OpenPreferences();
         ASSERT_NE(sheet, nullptr);
         EXPECT_EQ(ReadChoices(sheet), expected);
         ChangeChoices(sheet);
-        ASSERT_TRUE(CloseSheet(sheet, IDCANCEL));
+        ASSERT_TRUE(CloseWith(sheet, IDCANCEL));
     }
 
 private:
@@ -301,21 +305,19 @@ TEST_P(ApplicationTest, HasWhatItsUserChose)
 {
     const Case& one = GetParam();
     fs::remove(PrintedFile());
-    HWND dialog = OpenDialog();
-    ASSERT_NE(dialog, nullptr);
-    const HWND sheet = OpenPreferences(dialog);
+    ASSERT_TRUE(OpenDialog());
+    const HWND sheet = OpenPreferences();
     ASSERT_NE(sheet, nullptr);
     const Choices chosen = ChangeChoices(sheet);
-    ASSERT_TRUE(CloseSheet(sheet, IDOK));
-    ASSERT_NO_FATAL_FAILURE(ExpectChoices(dialog, chosen));
-    ASSERT_TRUE(Click(GetDlgItem(dialog, IDOK)));
+    ASSERT_TRUE(CloseWith(sheet, IDOK));
+    ASSERT_NO_FATAL_FAILURE(ExpectChoices(chosen));
+    ASSERT_TRUE(CloseWith(Dialog(), IDOK));
     if (one.button != kNone)
     {
-        ASSERT_TRUE(Click(GetDlgItem(Program().DialogWith(one.button), IDOK)));
+        ASSERT_TRUE(CloseWith(Program().DialogWith(one.button), IDOK));
     }
-    dialog = OpenDialog();
-    ASSERT_NE(dialog, nullptr);
-    ASSERT_NO_FATAL_FAILURE(ExpectChoices(dialog, chosen));
+    ASSERT_TRUE(OpenDialog());
+    ASSERT_NO_FATAL_FAILURE(ExpectChoices(chosen));
     if (one.prints)
     {
         EXPECT_TRUE(WaitUntil([] { return ReadText(PrintedFile()).find("%%EOF") != std::string::npos; }));

@@ -49,7 +49,7 @@ bool Do(HWND sheet, std::wstring_view verb, const std::wstring& object)
     {
         return Click(PageControl(sheet, number));
     }
-    return verb == L"press" && CloseSheet(sheet, number);
+    return verb == L"press" && CloseWith(sheet, number);
 }
 
 } // namespace

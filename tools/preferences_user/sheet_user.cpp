@@ -80,9 +80,9 @@ bool Click(HWND button)
     return button != nullptr && IsWindowEnabled(button) != FALSE && PostMessageW(button, BM_CLICK, 0, 0) != FALSE;
 }
 
-bool CloseSheet(HWND sheet, int button)
+bool CloseWith(HWND dialog, int button)
 {
-    return Click(GetDlgItem(sheet, button)) && WaitUntil([sheet] { return IsWindow(sheet) == FALSE; });
+    return Click(GetDlgItem(dialog, button)) && WaitUntil([dialog] { return IsWindow(dialog) == FALSE; });
 }
 
 } // namespace tsypr::preferences_user

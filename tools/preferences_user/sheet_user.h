@@ -29,8 +29,8 @@ bool Choose(HWND list, const std::wstring& text);
 // Presses a button, choice or check box; returns before the press has an effect.
 bool Click(HWND button);
 
-// Presses a button of the sheet that closes it and waits until it is gone.
-bool CloseSheet(HWND sheet, int button);
+// Presses a button that closes the sheet, or another dialog, and waits until that is gone.
+bool CloseWith(HWND dialog, int button);
 
 } // namespace tsypr::preferences_user
 
