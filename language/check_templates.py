@@ -17,7 +17,10 @@ from pathlib import Path
 from dialog_templates import Control, Template, read_templates
 
 PAGE_SIZE = (252, 218)
-PAGE_FONT = (8, "MS Shell Dlg")
+PAGE_FONT = "MS Shell Dlg"
+# The sizes in which Windows has its own dialogs, by language.
+FONT_POINTS = {"ja": 9, "ko": 9, "zh": 9}
+USUAL_FONT_POINTS = 8
 MARGIN = 7
 GROUP_TOP, GROUP_SIDE, GROUP_BOTTOM = 11, 6, 7
 LABEL_GAP = 3
@@ -85,6 +88,7 @@ class Page:
     name: str
     reserved_keys: str
     items: list[Item]
+    points: int
     faults: list[str] = field(default_factory=list)
 
     def fault(self, item: Item | None, message: str) -> None:
@@ -116,8 +120,8 @@ def check_frame(page: Page) -> None:
         page.fault(None, "the page needs a title without access key")
     if (template.width, template.height) != PAGE_SIZE:
         page.fault(None, f"the page is {template.width} x {template.height}, not {PAGE_SIZE[0]} x {PAGE_SIZE[1]}")
-    if template.font != PAGE_FONT or template.style & DS_SHELLFONT != DS_SHELLFONT:
-        page.fault(None, f"the font is not {PAGE_FONT[1]}, {PAGE_FONT[0]} points, with DS_SHELLFONT")
+    if template.font != (page.points, PAGE_FONT) or template.style & DS_SHELLFONT != DS_SHELLFONT:
+        page.fault(None, f"the font is not {PAGE_FONT}, {page.points} points, with DS_SHELLFONT")
     if not template.style & WS_CHILD or template.style & WS_DISABLED:
         page.fault(None, "a page is a child window and not disabled")
 
@@ -261,6 +265,7 @@ def read_expected(path: Path, names: dict[str, int]) -> dict[str, dict[str, str]
 def check_library(path: Path, names: dict[str, int], expected: dict[str, dict[str, str]]) -> list[str]:
     code = path.stem.partition("_")[2]
     reserved = RESERVED_KEYS.get(code, USUALLY_RESERVED_KEYS)
+    points = FONT_POINTS.get(code.partition("_")[0], USUAL_FONT_POINTS)
     controls = {number: name for name, number in names.items() if name.startswith("IDC_")}
     templates = {template.identifier: template for template in read_templates(path)}
     faults = []
@@ -270,7 +275,7 @@ def check_library(path: Path, names: dict[str, int], expected: dict[str, dict[st
             faults.append(f"{name}: error: the page is missing")
             continue
         items = [Item(control, kind_of(control), item_name(control, controls)) for control in template.controls]
-        faults += check_page(Page(template, name, reserved, items), expected[name])
+        faults += check_page(Page(template, name, reserved, items, points), expected[name])
     faults += [f"template {identifier}: error: is not in the table of controls" for identifier in templates]
     return faults
 

@@ -38,6 +38,7 @@ join_pictures() {
 }
 
 step_total=5
+bash scripts/setup.sh
 bash scripts/build.sh mingw-release -- page_pictures language_libraries
 rm -rf -- "$pictures"
 step contact-prefix "Wine prefix of the pictures" fresh_prefix pictures

@@ -41,10 +41,9 @@ echo "\"$locked\" is the same printer with two-sided printing locked."
 
 prefix="$prefixes/demo"
 fresh_prefix demo
-display_server=
 end() {
   stop_wineserver "$prefix"
-  [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
+  stop_display
 }
 trap end EXIT
 start_wineserver "$prefix"
@@ -97,35 +96,18 @@ echo "and of the merge it says, among other things (dmIn is what the application
 echo
 grep -E "dmIn:|dmOut:|dmPaperSize|dmCopies|dmDuplex|lockedSettings|MergeAndCopyDM" "$log" | sed -n '/dmIn:/,$p'
 
-# From here on the prefix has a display, whose pixels can be seen from outside a program, and our property sheets.
-open_display() {
-  rm -f -- "$job/display"
-  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$job/display" >"$logs/demo-display.log" 2>&1 &
-  display_server=$!
-  # It says which display it is when it is ready.
-  local tries=100
-  until [ -s "$job/display" ] || [ "$tries" -eq 0 ]; do
-    tries=$((tries - 1))
-    sleep 0.1
-  done
-  [ -s "$job/display" ] || die "no display server"
-  use_own_compstui "$prefix" >/dev/null
-  scripts/wine-run.sh reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d x11 /f >/dev/null
-  # There is no window manager.
-  scripts/wine-run.sh reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
-  stop_wineserver "$prefix"
-  DISPLAY=:$(<"$job/display")
-  export DISPLAY
-  start_wineserver "$prefix"
-}
-
 # The user, who waits for the dialog; the steps stand in tools/preferences_user.
 preferences_user() {
   scripts/wine-run.sh "$build/mingw-release/bin/preferences_user.exe" "$@"
 }
 
 heading "A user changes the printing preferences"
-open_display
+# From here on the prefix has a display, whose pixels can be seen from outside a program, and our property sheets.
+start_display "$job/display" "$logs/demo-display.log"
+use_own_compstui "$prefix" >/dev/null
+draw_on_display "$prefix"
+stop_wineserver "$prefix"
+start_wineserver "$prefix"
 # Media types are offered once an administrator says so.
 scripts/wine-run.sh reg add 'HKLM\Software\Zelmora\Tessary\PrintRedir' /v EnableMediaTypeOnUPD /t REG_DWORD /d 1 \
   /f >/dev/null

@@ -77,11 +77,12 @@ fresh_prefix() {
   cp -a --reflink=auto -- "$prefixes/base" "$prefix"
 }
 
-# repair_documents PREFIX-DIRECTORY PRESET: has the prefix make XML documents with the preset's tools/domrepair, which
+# repair_documents PREFIX-DIRECTORY PRESET|DLL: has the prefix make XML documents with the preset's tools/domrepair, which
 # brings Wine's to Windows' documented behaviour. Prefixes are made before it is built, and Wine sets the value back when
 # it updates a prefix, so this comes at every start. Does nothing when the preset has not built it.
 repair_documents() {
-  local dll="$build/$2/bin/tsydomrepair.dll"
+  local dll=$2
+  [[ $dll == *.dll ]] || dll="$build/$2/bin/tsydomrepair.dll"
   [ -e "$dll" ] || return 0
   TESSARY_PREFIX=$1 scripts/wine-run.sh reg add \
     'HKLM\Software\Classes\CLSID\{88D96A05-F192-11D4-A65F-0040963251E5}\InprocServer32' \
@@ -96,4 +97,33 @@ use_own_compstui() {
   # A program that runs keeps the file that it has.
   cp -- "$dll" "$installed.new" && mv -f -- "$installed.new" "$installed" &&
     TESSARY_PREFIX=$prefix scripts/wine-run.sh reg add 'HKCU\Software\Wine\DllOverrides' /v compstui /d native /f
+}
+
+display_server=
+
+# start_display FILE LOG: starts a display server without a screen, sets DISPLAY, and keeps the display's number in FILE.
+start_display() {
+  local tries=300
+  rm -f -- "$1"
+  Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$1" >"$2" 2>&1 &
+  display_server=$!
+  # It writes the number when it is ready.
+  until [ -s "$1" ] || [ "$tries" -eq 0 ]; do
+    tries=$((tries - 1))
+    sleep 0.1
+  done
+  [ -s "$1" ] || die "no display server: see $2"
+  DISPLAY=:$(<"$1")
+  export DISPLAY
+}
+
+stop_display() {
+  [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
+}
+
+# draw_on_display PREFIX-DIRECTORY: the prefix's programs draw on a display without a window manager, from the prefix's
+# next server on.
+draw_on_display() {
+  TESSARY_PREFIX=$1 scripts/wine-run.sh reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d x11 /f >/dev/null &&
+    TESSARY_PREFIX=$1 scripts/wine-run.sh reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 }

@@ -38,7 +38,7 @@ class CheckerCase(unittest.TestCase):
         page = replace(Template(1, "Title", 0x40000448, 252, 218, (8, "MS Shell Dlg"), controls), **template)
         items = [check_templates.Item(control, check_templates.kind_of(control),
                                       check_templates.item_name(control, NAMES)) for control in controls]
-        return check_templates.check_page(check_templates.Page(page, "PAGE", "A", items), EXPECTED)
+        return check_templates.check_page(check_templates.Page(page, "PAGE", "A", items, 8), EXPECTED)
 
     def test_a_good_page_has_no_faults(self) -> None:
         self.assertEqual(self.faults(GOOD), [])

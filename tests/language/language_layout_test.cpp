@@ -26,8 +26,8 @@ using Module = Owner<HMODULE, decltype([](HMODULE module) { FreeLibrary(module);
 using Window = Owner<HWND, decltype([](HWND window) { DestroyWindow(window); })>;
 
 constexpr int kPages[] = {IDD_LAYOUT, IDD_PAPER, IDD_ADVANCED, IDD_FINISHING, IDD_WATERMARK};
-// 8 points on screens of 96, 120, 144 and 192 pixels in an inch.
-constexpr WORD kPointSizes[] = {8, 10, 12, 16};
+// Screens of 96, 120, 144 and 192 pixels in an inch.
+constexpr int kScales[] = {100, 125, 150, 200};
 // What stands beside the text, in dialog units: the mark of a check box, the arrow and edges of a list, the edges of a
 // button on both sides, the ends of a frame's line.
 constexpr int kMark = 12;
@@ -54,8 +54,8 @@ size_t AfterText(const std::vector<std::byte>& bytes, size_t position)
     return position;
 }
 
-// The template with another font size, which every measure of the dialog follows.
-std::vector<std::byte> ScaledTemplate(HMODULE library, int id, WORD points)
+// The template with a font larger by so many per cent, which every measure of the dialog follows.
+std::vector<std::byte> ScaledTemplate(HMODULE library, int id, int scale)
 {
     HRSRC resource = FindResourceW(library, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)); // RT_DIALOG
     if (resource == nullptr)
@@ -66,6 +66,9 @@ std::vector<std::byte> ScaledTemplate(HMODULE library, int id, WORD points)
     std::vector<std::byte> bytes(first, first + SizeofResource(library, resource));
     // An extended template has 26 bytes of numbers, then no menu, no class and the title.
     const size_t fontSize = AfterText(bytes, 26 + 2 * sizeof(wchar_t));
+    WORD points = 0;
+    std::memcpy(&points, &bytes.at(fontSize), sizeof(points));
+    points = static_cast<WORD>(MulDiv(points, scale, 100));
     std::memcpy(&bytes.at(fontSize), &points, sizeof(points));
     return bytes;
 }
@@ -116,9 +119,9 @@ protected:
         ASSERT_NE(m_library, nullptr);
     }
 
-    Window CreatePage(int id, WORD points) const
+    Window CreatePage(int id, int scale) const
     {
-        const auto templateBytes = ScaledTemplate(m_library.get(), id, points);
+        const auto templateBytes = ScaledTemplate(m_library.get(), id, scale);
         const DLGPROC handleNothing = [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; };
         Window page(templateBytes.empty()
                         ? nullptr
@@ -245,14 +248,14 @@ void AddTab(HWND tabs, std::wstring title)
 
 TEST_P(PageLayout, TextsAndPicturesAreNotCut)
 {
-    for (const WORD points : kPointSizes)
+    for (const int scale : kScales)
     {
-        const Window first = CreatePage(kPages[0], points);
+        const Window first = CreatePage(kPages[0], scale);
         const Window tabs = CreateTabs(first.get());
         for (const int id : kPages)
         {
-            SCOPED_TRACE(testing::Message() << "page " << id << ", " << points << " points");
-            const Window page = CreatePage(id, points);
+            SCOPED_TRACE(testing::Message() << "page " << id << ", " << scale << " %");
+            const Window page = CreatePage(id, scale);
             ASSERT_NE(page, nullptr);
             for (HWND control = GetWindow(page.get(), GW_CHILD); control != nullptr;
                  control = GetWindow(control, GW_HWNDNEXT))
@@ -261,7 +264,7 @@ TEST_P(PageLayout, TextsAndPicturesAreNotCut)
             }
             AddTab(tabs.get(), TextOf(page.get()));
         }
-        EXPECT_EQ(SendMessageW(tabs.get(), TCM_GETROWCOUNT, 0, 0), 1) << points << " points";
+        EXPECT_EQ(SendMessageW(tabs.get(), TCM_GETROWCOUNT, 0, 0), 1) << scale << " %";
     }
 }
 
@@ -269,7 +272,7 @@ TEST_P(PageLayout, AccessKeysAreUniqueOnEachPage)
 {
     for (const int id : kPages)
     {
-        const Window page = CreatePage(id, kPointSizes[0]);
+        const Window page = CreatePage(id, kScales[0]);
         std::set<wchar_t> keys;
         for (HWND control = GetWindow(page.get(), GW_CHILD); control != nullptr;
              control = GetWindow(control, GW_HWNDNEXT))

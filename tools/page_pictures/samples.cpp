@@ -36,7 +36,7 @@ constexpr SampleList kLists[] = {
     {IDD_ADVANCED, IDC_COMPRESSION, IDS_COMPRESSION_LOSSLESS, IDS_COMPRESSION_NO_IMAGE, nullptr, 1},
     {IDD_FINISHING, IDC_STAPLE, IDS_STAPLE_NONE, IDS_STAPLE_SADDLE, nullptr, 1},
     {IDD_FINISHING, IDC_PUNCH, IDS_PUNCH_NONE, IDS_PUNCH_TOP, nullptr, 2},
-    {IDD_WATERMARK, IDC_WATERMARK_TEXT, 0, 0, L"No Watermark\nConfidential\nTop Secret", 1}};
+    {IDD_WATERMARK, IDC_WATERMARK_TEXT, 0, 0, L"No Watermark\nConfidential\nTop Secret", 0}};
 
 // Sizes are for 96 pixels in an inch.
 struct SamplePicture
