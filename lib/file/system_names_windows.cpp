@@ -1,6 +1,7 @@
 #include "lib/file/system_file.h"
 
 #include "lib/file/system_call_windows.h"
+#include "lib/misc/file_time_windows.h"
 
 #include <new>
 
@@ -8,9 +9,6 @@ namespace tsypr::sys
 {
 namespace
 {
-
-constexpr int64_t kTicksPerMillisecond = 10'000;
-constexpr int64_t kTicksTo1970 = 116'444'736'000'000'000;
 
 struct CloseFind
 {
@@ -24,11 +22,10 @@ using UniqueFind = std::unique_ptr<void, CloseFind>;
 FileStatus ToStatus(DWORD attributes, bool isLink, FILETIME modified, DWORD sizeHigh, DWORD sizeLow) noexcept
 {
     const bool directory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    const auto ticks = static_cast<int64_t>((uint64_t{modified.dwHighDateTime} << 32) | modified.dwLowDateTime);
     FileStatus status;
     status.kind = isLink ? FileKind::Other : directory ? FileKind::Directory : FileKind::File;
     status.bytes = directory ? 0 : (uint64_t{sizeHigh} << 32) | sizeLow;
-    status.modifiedMs = (ticks - kTicksTo1970) / kTicksPerMillisecond;
+    status.modifiedMs = ToUtcMilliseconds(modified);
     status.readOnly = !directory && (attributes & FILE_ATTRIBUTE_READONLY) != 0; // on folders it means something else
     return status;
 }
@@ -102,13 +99,30 @@ bool IsDots(const wchar_t* name) noexcept
     return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
 }
 
+// To the system a link to a folder is a folder.
+bool DeleteName(const NativePath& path) noexcept
+{
+    if (DeleteFileW(path.c_str()) != FALSE)
+    {
+        return true;
+    }
+    const DWORD error = GetLastError();
+    const DWORD attributes = error == ERROR_ACCESS_DENIED ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+        IsLinkAt(path, attributes))
+    {
+        return RemoveDirectoryW(path.c_str()) != FALSE;
+    }
+    SetLastError(error);
+    return false;
+}
+
 Entry ToEntry(const WIN32_FIND_DATAW& found)
 {
     Entry entry;
     entry.name = found.cFileName;
     entry.status =
         ToStatus(found.dwFileAttributes, IsLink(found), found.ftLastWriteTime, found.nFileSizeHigh, found.nFileSizeLow);
-    entry.isFolderLink = IsLink(found) && (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return entry;
 }
 
@@ -116,7 +130,7 @@ Entry ToEntry(const WIN32_FIND_DATAW& found)
 
 SystemError DeleteFileOrLink(const NativePath& path) noexcept
 {
-    return Call(FileOperation::Delete, [&] { return DeleteFileW(path.c_str()) != FALSE; });
+    return Call(FileOperation::Delete, [&] { return DeleteName(path); });
 }
 
 SystemError DeleteEmptyFolder(const NativePath& path) noexcept

@@ -29,13 +29,6 @@ constinit Store g_store;
 
 using StoreGuard = ScopedLock<ExclusiveLock>;
 
-FileResult Failure(FileError error) noexcept
-{
-    FileResult result;
-    result.error = error;
-    return result;
-}
-
 void Forget() noexcept
 {
     delete g_store.values;
