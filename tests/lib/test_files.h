@@ -2,10 +2,23 @@
 #ifndef TESSARY_TESTS_LIB_TEST_FILES_H
 #define TESSARY_TESTS_LIB_TEST_FILES_H
 
+#include "lib/file/file_result.h"
+
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <string>
 #include <vector>
+
+namespace tsypr
+{
+
+inline void PrintTo(FileError error, std::ostream* out)
+{
+    *out << FileErrorText(error);
+}
+
+} // namespace tsypr
 
 namespace tsypr::test
 {
@@ -13,7 +26,7 @@ namespace tsypr::test
 // A new empty folder below the current directory, which CTest makes the one of the build.
 struct ScratchFolder
 {
-    explicit ScratchFolder(const char* name) : path(std::filesystem::current_path() / (std::string("scratch-") + name))
+    explicit ScratchFolder(const std::string& name) : path(std::filesystem::current_path() / ("scratch-" + name))
     {
         std::filesystem::remove_all(path);
         std::filesystem::create_directories(path);

@@ -1,10 +1,11 @@
-// The program's own main: with "--child" it is one of the processes that the tests start.
+// What the processes do that the tests of this folder start.
+#include "tests/lib/child_process.h"
 #include "tests/lib/file/file_test.h"
 
 #include "lib/file/append_file.h"
 
-#include <chrono>
 #include <cstdlib>
+#include <tuple>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -87,30 +88,18 @@ int Count(const std::string& file, int times)
 
 int RunChild(const std::vector<std::string>& arguments)
 {
-    const std::string& role = arguments[0];
-    if (role == "crash-at")
-    {
-        return CrashAt(arguments[1], static_cast<unsigned>(std::atoi(arguments[2].c_str())));
-    }
-    if (role == "replace-for-ever")
-    {
-        return ReplaceForEver(arguments[1], arguments[2]);
-    }
-    if (role == "hold-lock")
-    {
-        return HoldLock(arguments[1], arguments[2]);
-    }
-    return role == "count" ? Count(arguments[1], std::atoi(arguments[2].c_str())) : 2;
+    const auto& [role, first, second] = std::tie(arguments[0], arguments[1], arguments[2]);
+    const int number = std::atoi(second.c_str());
+    return role == "crash-at"           ? CrashAt(first, static_cast<unsigned>(number))
+           : role == "replace-for-ever" ? ReplaceForEver(first, second)
+           : role == "hold-lock"        ? HoldLock(first, second)
+           : role == "count"            ? Count(first, number)
+                                        : 2;
 }
 
 } // namespace tsypr::test
 
 int main(int argc, char** argv)
 {
-    if (argc > 2 && std::string(argv[1]) == "--child")
-    {
-        return tsypr::test::RunChild({argv + 2, argv + argc});
-    }
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return tsypr::test::RunTestsOrChild(argc, argv);
 }

@@ -169,9 +169,13 @@ TEST(AppendFile, MakesOneFolderAndReportsShortWrites)
         EXPECT_FALSE(file.Append("for", 3));
     }
     EXPECT_FALSE(file.Append(nullptr, 1));
+    const std::string renamed = Utf8(scratch / "renamed"); // as a tool that tidies up may do meanwhile
+    std::filesystem::rename(path, renamed);
+    EXPECT_TRUE(other.Append(".", 1));
     file.Close();
     other.Close();
-    EXPECT_EQ(Contents(path), "one two three fo");
+    EXPECT_FALSE(file.Append("x", 1));
+    EXPECT_EQ(Contents(renamed), "one two three fo.");
 }
 
 } // namespace

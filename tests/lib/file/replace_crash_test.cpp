@@ -3,7 +3,6 @@
 #include "tests/lib/file/file_test.h"
 
 #include <atomic>
-#include <chrono>
 #include <random>
 
 namespace tsypr::test
@@ -31,7 +30,7 @@ TEST(ReplaceCrash, AtEachStep)
         ASSERT_LT(step, 50U);
         ASSERT_EQ(Create(path, "old"), FileError::None);
         ASSERT_EQ(CountEntries(base), 1U); // what the last one left is gone
-        ChildProcess child({"--child", "crash-at", path, std::to_string(step + 1)});
+        ChildProcess child({"crash-at", path, std::to_string(step + 1)});
         code = child.Wait();
         const std::string contents = Contents(path);
         EXPECT_TRUE(contents == "new" || (contents == "old" && code == 77)) << contents;
@@ -54,53 +53,35 @@ unsigned NumberIn(const std::string& contents)
     return !line.empty() && contents == expected ? static_cast<unsigned>(std::stoul(line)) : 0;
 }
 
-// Kills `kills` processes, one after the other; returns how many of them left something behind.
-size_t KillRepeatedly(const std::string& base, int kills, unsigned seed)
-{
-    const std::string path = base + "/file";
-    const std::string acknowledged = base + "/acknowledged";
-    EXPECT_TRUE(MakeDirectory(base.c_str()).Ok());
-    std::mt19937 random(seed);
-    size_t leftovers = 0;
-    for (; kills != 0; --kills)
-    {
-        RemoveFile(acknowledged.c_str());
-        ChildProcess child({"--child", "replace-for-ever", path, acknowledged});
-        FileStatus status;
-        while (!GetFileStatus(acknowledged.c_str(), status).Ok() || status.bytes == 0)
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        std::this_thread::sleep_for(std::chrono::microseconds(1000 + random() % 9000));
-        child.Kill();
-
-        const unsigned number = NumberIn(Contents(path));
-        EXPECT_NE(number, 0U);
-        const std::vector<std::string> lines = ReadLines(acknowledged);
-        EXPECT_GE(number, lines.empty() ? ~0UL : std::stoul(lines.back()));
-        leftovers += CountEntries(base) - 2;
-        EXPECT_EQ(Create(path, "whole\n"), FileError::None);
-        EXPECT_EQ(CountEntries(base), 2U);
-    }
-    return leftovers;
-}
-
 TEST(ReplaceCrash, KilledTwoHundredTimes)
 {
-    constexpr unsigned kThreads = 4; // most of the time goes into starting processes
-    constexpr int kKills = 50;       // each
+    constexpr int kThreads = 4; // most of the time goes into starting processes
+    constexpr int kKills = 50;  // each
     const ScratchFolder scratch("kills");
     std::atomic<size_t> leftovers{0};
-    std::vector<std::thread> threads;
-    for (unsigned thread = 0; thread < kThreads; ++thread)
-    {
-        const std::string base = Utf8(scratch.path) + '/' + std::to_string(thread);
-        threads.emplace_back([&leftovers, base, thread] { leftovers += KillRepeatedly(base, kKills, thread); });
-    }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    InThreads(kThreads,
+              [&](int thread)
+              {
+                  const std::string base = Utf8(scratch.path) + '/' + std::to_string(thread);
+                  const std::string path = base + "/file";
+                  const std::string acknowledged = base + "/acknowledged";
+                  EXPECT_TRUE(MakeDirectory(base.c_str()).Ok());
+                  std::mt19937 random(static_cast<unsigned>(thread));
+                  for (int kill = 0; kill < kKills; ++kill)
+                  {
+                      RemoveFile(acknowledged.c_str());
+                      KillAtWork({"replace-for-ever", path, acknowledged},
+                                 acknowledged,
+                                 1000 + static_cast<int>(random() % 9000));
+                      const unsigned number = NumberIn(Contents(path));
+                      EXPECT_NE(number, 0U);
+                      const std::vector<std::string> lines = ReadLines(acknowledged);
+                      EXPECT_GE(number, lines.empty() ? ~0UL : std::stoul(lines.back()));
+                      leftovers += CountEntries(base) - 2;
+                      EXPECT_EQ(Create(path, "whole\n"), FileError::None);
+                      EXPECT_EQ(CountEntries(base), 2U);
+                  }
+              });
     EXPECT_GT(leftovers, 0U); // some were hit in the middle
 }
 

@@ -1,4 +1,5 @@
 // Replacing a file's contents: results, faults at each step, readers meanwhile, leftovers, links.
+#include "tests/lib/child_process.h"
 #include "tests/lib/file/file_test.h"
 
 #include "lib/file/file.h"
@@ -111,30 +112,25 @@ TEST(ReplaceFileContents, ReadersSeeWholeContentsOnly)
     std::atomic<bool> done{false};
     std::atomic<unsigned> reads{0};
     std::atomic<unsigned> torn{0};
-    const auto reader = [&]
-    {
-        while (!done)
-        {
-            std::string text;
-            const FileResult result = ReadFileContents(path.c_str(), 1 << 20, text);
-            const bool whole = result.Ok() && text.size() >= 1000 && (text.size() - 1000) % 37 == 0 &&
-                               text == contents(static_cast<int>(text.size() - 1000) / 37);
-            torn += whole ? 0 : 1;
-            ++reads;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // where an open file cannot be replaced
-        }
-    };
-    std::thread threads[] = {std::thread(reader), std::thread(reader)};
     int failed = 0;
-    for (int number = 1; number <= kReplacements; ++number)
-    {
-        failed += ReplaceFileContents(path.c_str(), contents(number), {1, 2, 10'000}).Ok() ? 0 : 1;
-    }
-    done = true;
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    InThreads(3,
+              [&](int thread)
+              {
+                  for (int number = 1; thread == 0 && number <= kReplacements; ++number)
+                  {
+                      failed += ReplaceFileContents(path.c_str(), contents(number), {1, 2, 10'000}).Ok() ? 0 : 1;
+                  }
+                  done = done || thread == 0;
+                  while (!done)
+                  {
+                      const std::string text = Contents(path);
+                      const bool whole = text.size() >= 1000 && (text.size() - 1000) % 37 == 0 &&
+                                         text == contents(static_cast<int>(text.size() - 1000) / 37);
+                      torn += whole ? 0 : 1;
+                      ++reads;
+                      std::this_thread::sleep_for(std::chrono::milliseconds(1)); // an open file cannot be replaced
+                  }
+              });
     EXPECT_EQ(failed, 0);
     EXPECT_EQ(torn, 0U);
     EXPECT_GT(reads, 50U);

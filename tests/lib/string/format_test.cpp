@@ -36,7 +36,16 @@ Utf16String Wide(std::u16string_view text)
     return {text.begin(), text.end()};
 }
 
-// The C library of the platform must give the same text for the conversion, under all flags, widths and precisions.
+// The C library of the platform must give the same text.
+template <typename T>
+void ExpectAsC(const std::string& format, T value)
+{
+    char expected[512] = {};
+    std::snprintf(expected, sizeof(expected), format.c_str(), value); // NOLINT
+    ASSERT_EQ(Format(format.c_str(), value), expected) << format << " of " << value;
+}
+
+// The conversion under all flags, widths and precisions.
 template <typename T>
 void CompareWithC(const std::string& conversion, const std::string& allowedFlags, T value)
 {
@@ -51,10 +60,7 @@ void CompareWithC(const std::string& conversion, const std::string& allowedFlags
         {
             for (const char* precision : {"", ".", ".1", ".7", ".25"})
             {
-                const std::string format = start + width + precision + conversion;
-                char expected[512] = {};
-                std::snprintf(expected, sizeof(expected), format.c_str(), value); // NOLINT
-                ASSERT_EQ(Format(format.c_str(), value), expected) << format << " of " << value;
+                ExpectAsC(start + width + precision + conversion, value);
             }
         }
     }
@@ -66,11 +72,11 @@ TEST(Format, NumbersAreThoseOfTheCLibrary)
     {
         for (const auto value : values)
         {
-            CompareWithC(size + "d", "-+ 0", value);
-            CompareWithC(size + "u", "-0", value);
-            CompareWithC(size + "x", "-#0", value);
-            CompareWithC(size + "X", "-#0", value);
-            CompareWithC(size + "o", "-0", value);
+            for (const auto& [conversion, flags] :
+                 {std::pair{"d", "-+ 0"}, {"u", "-0"}, {"x", "-#0"}, {"X", "-#0"}, {"o", "-0"}})
+            {
+                CompareWithC(size + conversion, flags, value);
+            }
         }
     };
     compare("hh", std::initializer_list<int>{0, 1, -1, 127, 128, 255, 256});
@@ -102,16 +108,12 @@ TEST(Format, FloatsAreThoseOfTheCLibrary)
         }
         for (const char* format : {"%f", "%.0f", "%#.3F", "%.12e", "%.0E", "%g", "%#g", "%.17G", "%.1g", "%.40g"})
         {
-            char expected[512] = {};
-            std::snprintf(expected, sizeof(expected), format, value); // NOLINT
-            ASSERT_EQ(Format(format, value), expected) << format << " of " << std::bit_cast<uint64_t>(value);
+            ASSERT_NO_FATAL_FAILURE(ExpectAsC(format, value));
         }
 #ifdef __linux__ // other C libraries choose another first digit
         for (const char* format : {"%a", "%.0a", "%#.1A", "%.12a", "%020.15a"})
         {
-            char expected[512] = {};
-            std::snprintf(expected, sizeof(expected), format, value); // NOLINT
-            ASSERT_EQ(Format(format, value), expected) << format << " of " << std::bit_cast<uint64_t>(value);
+            ASSERT_NO_FATAL_FAILURE(ExpectAsC(format, value));
         }
 #endif
     }
@@ -208,40 +210,11 @@ TEST(Format, TakesArgumentsByNumber)
         all += "%" + std::to_string(i) + "$d ";
         expected += std::to_string(i) + " ";
     }
-    EXPECT_EQ(Format(all.c_str(),
-                     1,
-                     2,
-                     3,
-                     4,
-                     5,
-                     6,
-                     7,
-                     8,
-                     9,
-                     10,
-                     11,
-                     12,
-                     13,
-                     14,
-                     15,
-                     16,
-                     17,
-                     18,
-                     19,
-                     20,
-                     21,
-                     22,
-                     23,
-                     24,
-                     25,
-                     26,
-                     27,
-                     28,
-                     29,
-                     30,
-                     31,
-                     32),
-              expected);
+    const auto formatAll = [&all]<int... I>(std::integer_sequence<int, I...>)
+    {
+        return Format(all.c_str(), (I + 1)...);
+    };
+    EXPECT_EQ(formatAll(std::make_integer_sequence<int, 32>()), expected);
 }
 
 TEST(Format, CorruptWidthsStayWithinReason)
@@ -257,7 +230,11 @@ TEST(Format, CorruptWidthsStayWithinReason)
     }
     EXPECT_EQ(Format("%.0f", DBL_MAX).size(), 309U);
     const std::string longText(200'000, 'x');
-    EXPECT_EQ(Format("%.150000s%s", longText.c_str(), longText.c_str()).size(), 350'000U);
+    std::string text = "old";
+    EXPECT_TRUE(FormatString(text, "%.150000s%s", longText.c_str(), longText.c_str()));
+    EXPECT_EQ(text, std::string(350'000, 'x'));
+    EXPECT_TRUE(FormatString(text, nullptr));
+    EXPECT_EQ(text, "");
 }
 
 TEST(Format, TextsAreCutBetweenCharactersAndNotReadBeyond)
@@ -296,14 +273,25 @@ TEST(Format, TextsAreCutBetweenCharactersAndNotReadBeyond)
     EXPECT_EQ(untouched, '#');
 }
 
-TEST(Format, FillsStringsOfAnyLength)
+TEST(TextBuffer, GrowsWithoutLosingAnything)
 {
-    std::string text = "old";
-    const std::string longText(100'000, 'x');
-    EXPECT_TRUE(FormatString(text, "%s%d", longText.c_str(), 5));
-    EXPECT_EQ(text, longText + "5");
-    EXPECT_TRUE(FormatString(text, nullptr));
-    EXPECT_EQ(text, "");
+    // Piece lengths that meet the end of the first room exactly, by one less and by one more, and leap far over it.
+    for (const size_t piece : {1U, 7U, 512U, 1023U, 1024U, 1025U, 100'000U})
+    {
+        TextBuffer buffer;
+        std::string expected;
+        for (char c = 'a'; expected.size() < 5000 || c == 'b'; c = c == 'z' ? 'a' : static_cast<char>(c + 1))
+        {
+            buffer.Append(std::string(piece, c));
+            buffer.AppendFill('-', piece / 2);
+            expected.append(piece, c).append(piece / 2, '-');
+        }
+        EXPECT_EQ(buffer.View(), expected) << piece;
+        EXPECT_FALSE(buffer.Cut());
+        buffer.Truncate(3);
+        buffer.Truncate(10);
+        EXPECT_EQ(buffer.View(), expected.substr(0, 3));
+    }
 }
 
 #ifdef _WIN32

@@ -56,9 +56,7 @@ TEST(CodeSet, ReplacesMaximalSubparts)
     for (const auto& [bytes, pattern, strict] : cases)
     {
         SCOPED_TRACE(testing::PrintToString(bytes));
-        Utf16String expected = Wide(pattern);
-        std::replace(expected.begin(), expected.end(), Utf16Unit{'#'}, static_cast<Utf16Unit>(0xFFFD));
-        const auto count = static_cast<size_t>(std::count(pattern.begin(), pattern.end(), u'#'));
+        const auto [expected, count] = Pattern(pattern);
         const std::vector<char> exact(bytes.begin(), bytes.end()); // nothing may be read behind it
         const std::string_view text(exact.data(), exact.size());
         Utf16String wide = Wide(u"old");

@@ -52,50 +52,29 @@ TEST(CodeSetMemory, RunsOutAnywhere)
 {
     const std::string text(100, 'x');
     const Utf16String wideText(100, L'x');
-    const std::function<CodeSetStatus()> conversions[] = {
-        [&]
-        {
-            Utf16String out;
-            return CodeSet_Utf8ToUtf16(text, out, kLenient).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_Utf16ToUtf8(wideText, out, kStrict).status;
-        },
-        [&]
-        {
-            Utf16String out;
-            return CodeSet_PageToUtf16(936, text, out, kStrict).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_Utf8ToPage(932, text, out, kStrict).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_ProcessToUtf8(text, out, kStrict).status;
-        },
-        [&]
-        {
-            Utf16String out;
-            return UtfStream<char, Utf16Unit>(kStrict).Append(text, out).status;
-        },
+    using Convert = std::function<CodeSetResult(std::string&, Utf16String&)>;
+    const Convert conversions[] = {
+        [&](auto&, auto& out) { return CodeSet_Utf8ToUtf16(text, out, kLenient); },
+        [&](auto& out, auto&) { return CodeSet_Utf16ToUtf8(wideText, out, kStrict); },
+        [&](auto&, auto& out) { return CodeSet_PageToUtf16(936, text, out, kStrict); },
+        [&](auto& out, auto&) { return CodeSet_Utf8ToPage(932, text, out, kStrict); },
+        [&](auto& out, auto&) { return CodeSet_ProcessToUtf8(text, out, kStrict); },
+        [&](auto&, auto& out) { return UtfStream<char, Utf16Unit>(kStrict).Append(text, out); },
     };
     // Hold the converters that are open, so that new ones have to be opened. (Opening the very first is left out: the
     // compiler's own threading functions do not survive that.)
     const CodePageDecoder held936(936, kStrict);
     const CodePageDecoder held932(932, kStrict);
-    for (const auto& convert : conversions)
+    for (const Convert& convert : conversions)
     {
         CodeSetStatus status = CodeSetStatus::OutOfMemory;
         long n = 0;
         for (; status == CodeSetStatus::OutOfMemory && n < 100; ++n)
         {
+            std::string narrow;
+            Utf16String wide;
             const test::AllocationFault fault(n);
-            status = convert();
+            status = convert(narrow, wide).status;
         }
         EXPECT_EQ(status, CodeSetStatus::Ok);
         EXPECT_GT(n, 1);

@@ -29,6 +29,19 @@ inline Utf16String Wide(std::u16string_view text)
     return {text.begin(), text.end()};
 }
 
+// The same with "#" for U+FFFD, and how many of these there are.
+struct Pattern
+{
+    explicit Pattern(std::u16string_view pattern) : text(Wide(pattern))
+    {
+        count = static_cast<size_t>(std::ranges::count(text, Utf16Unit{'#'}));
+        std::ranges::replace(text, Utf16Unit{'#'}, static_cast<Utf16Unit>(0xFFFD));
+    }
+
+    Utf16String text;
+    size_t count = 0;
+};
+
 inline constexpr CodeSetMode kStrict = CodeSetMode::Strict;
 inline constexpr CodeSetMode kLenient = CodeSetMode::Lenient;
 

@@ -127,7 +127,7 @@ TEST(Preferences, ReloadReportsWhatIsWrong)
     EXPECT_EQ(Value("a") + Value("d"), "14"); // as before
     {
         FileFaultPlan plan;
-        plan.Fail(FileOperation::Read, test::kDenied);
+        plan.Fail(FileOperation::Read, FileError::AccessDenied);
         EXPECT_EQ(PreferencesReload().error, FileError::AccessDenied);
     }
     std::filesystem::remove(store.userFile);
@@ -171,20 +171,12 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
 
     constexpr std::string_view kOld = "# old\nb = \"2\"";
     WriteFile(file, kOld);
-    struct Fault
-    {
-        FileOperation operation;
-        int code;
-        FileError error;
-    };
-    for (const Fault& fault : {Fault{FileOperation::Read, test::kDenied, FileError::AccessDenied},
-                               Fault{FileOperation::Write, test::kOutOfDisk, FileError::DiskFull},
-                               Fault{FileOperation::Flush, test::kOutOfDisk, FileError::DiskFull},
-                               Fault{FileOperation::Rename, test::kDenied, FileError::AccessDenied}})
+    for (const FileOperation operation :
+         {FileOperation::Read, FileOperation::Write, FileOperation::Flush, FileOperation::Rename})
     {
         FileFaultPlan plan;
-        plan.Fail(fault.operation, static_cast<uint32_t>(fault.code), 1, FileFaultPlan::kAlways);
-        EXPECT_EQ(set(), fault.error);
+        plan.Fail(operation, FileError::DiskFull, 1, FileFaultPlan::kAlways);
+        EXPECT_EQ(set(), FileError::DiskFull);
     }
     EXPECT_EQ(ReadFile(file), kOld);
     {
