@@ -2,12 +2,7 @@
 #include "tools/ppdimport/atomic_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
-#include <string>
-
-#include <cstdlib>
 #include <sys/wait.h>
 
 namespace tsypr::ppdimport
@@ -25,8 +20,8 @@ protected:
     // Gives the exit code; the program's output goes to the files "out" and "err".
     int Run(const std::string& arguments) const
     {
-        const std::string folder = m_folder.Path("");
-        const std::string command = "cd '" + folder + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
+        const std::string command =
+            "cd '" + m_folder.Path("") + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }

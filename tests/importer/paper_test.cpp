@@ -2,7 +2,6 @@
 #include "tools/ppdimport/ppd_reader.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace tsypr::ppdimport
 {

@@ -3,10 +3,8 @@
 #include "tools/ppdimport/text.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace tsypr::ppdimport
 {
@@ -35,15 +33,25 @@ TEST(ImporterReader, ReadsSmallFile)
 *CloseUI: *Tray2
 *CloseGroup: InstallableOptions
 *UIConstraints: *Tray2 False *PageSize Letter
+*HWMargins: 12 12 12 12
+*MaxMediaWidth: "908"
+*MaxMediaHeight: "1701"
+*CustomPageSize True: "pop"
+*ParamCustomPageSize Width: 1 points 255 908
+*ParamCustomPageSize Height: 2 points 419 1701
 )"));
     EXPECT_TRUE(model.manufacturer == "Maker" && model.modelName == "Model 1" && model.nickname == "Maker Model 1 PS");
-    EXPECT_TRUE(model.colorDevice && model.throughput == 30 && !model.customSize.has_value());
+    EXPECT_TRUE(model.colorDevice && model.throughput == 30);
     EXPECT_EQ(model.attributes.at("LandscapeOrientation"), "Minus90");
     const PpdOption sizes = Find(model, "PageSize");
     EXPECT_TRUE(sizes.defaultChoice == "A4" && sizes.choices.at(0).text == "US Letter");
+    EXPECT_EQ(sizes.choices.size(), 2u); // no choice named Custom
     EXPECT_DOUBLE_EQ(model.sizes.at("A4").length, 842);
     EXPECT_TRUE(Find(model, "Tray2").installable);
     EXPECT_EQ(model.constraints.at(0).secondOption, "PageSize");
+    ASSERT_TRUE(model.customSize.has_value());
+    EXPECT_DOUBLE_EQ(model.customSize->minimum.width, 255);
+    EXPECT_DOUBLE_EQ(model.customSize->maximum.length, 1701);
 }
 
 TEST(ImporterReader, DecodesTexts)
@@ -66,21 +74,6 @@ TEST(ImporterReader, TakesEnglishTexts)
     setenv("LC_ALL", "de_DE.UTF-8", 1);
     const PpdModel model = ReadText(SmallPpd("*cupsLanguages: \"de\"\n*de.PageSize A4/A4 Papier: \"\"\n", "UTF-8"));
     EXPECT_EQ(Find(model, "PageSize").choices.at(1).text, "A4");
-}
-
-TEST(ImporterReader, ReadsCustomSize)
-{
-    const PpdModel model = ReadText(SmallPpd(R"(*HWMargins: 12 12 12 12
-*MaxMediaWidth: "908"
-*MaxMediaHeight: "1701"
-*CustomPageSize True: "pop"
-*ParamCustomPageSize Width: 1 points 255 908
-*ParamCustomPageSize Height: 2 points 419 1701
-)"));
-    ASSERT_TRUE(model.customSize.has_value());
-    EXPECT_DOUBLE_EQ(model.customSize->minimum.width, 255);
-    EXPECT_DOUBLE_EQ(model.customSize->maximum.length, 1701);
-    EXPECT_EQ(Find(model, "PageSize").choices.size(), 2u); // no choice named Custom
 }
 
 TEST(ImporterReader, ErrorsNameFileAndLine)
@@ -109,17 +102,13 @@ TEST(ImporterText, CleansAndDecodes)
     EXPECT_EQ(CleanText("cut \xE2\x82"), "cut \xC3\xA2");             // incomplete, likewise
 }
 
-TEST(ImporterText, CutsAtWholeCharacters)
+TEST(ImporterText, CutsComparesSplitsAndMakesXmlNames)
 {
     const std::string text = "ab\xE2\x82\xAC\xF0\x9F\x98\x80"; // the last character counts as two
     EXPECT_EQ(TextLength(text), 5u);
     EXPECT_EQ(CutText(text, 4), "ab\xE2\x82\xAC"); // half of the last would fit
     EXPECT_EQ(CutText(text, 5), text);
     EXPECT_EQ(CutText("ab cd", 3), "ab"); // no blank left at the end
-}
-
-TEST(ImporterText, ComparesSplitsAndMakesXmlNames)
-{
     EXPECT_EQ(Normalise("Plain (60 - 81 g/m2)"), "plain");
     EXPECT_TRUE(HasWord("none off", "off") && !HasWord("none off", "of") && !HasWord("none off", ""));
     EXPECT_EQ(Words("UpperLeft2/2 at left"), (std::set<std::string>{"upper", "left", "2", "at"}));

@@ -2,8 +2,7 @@
 #include "tests/importer/test_support.h"
 #include "tools/ppdimport/ppd_reader.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <set>
 
 namespace tsypr::ppdimport
@@ -11,23 +10,18 @@ namespace tsypr::ppdimport
 namespace
 {
 
-template <class Item>
-bool HaveDistinctKeywords(const std::vector<Item>& items)
-{
-    std::set<std::string> keywords;
-    for (const Item& item : items)
-    {
-        keywords.insert(item.keyword);
-    }
-    return keywords.size() == items.size();
-}
-
 // The service, which reads the profile, checks everything it says; the keywords must be distinct besides.
 void ExpectGoodProfile(const std::string& path)
 {
     const PrinterProfile imported = Import(ReadPpd(path));
-    EXPECT_TRUE(HaveDistinctKeywords(imported.papers));
-    EXPECT_TRUE(HaveDistinctKeywords(imported.bins) && HaveDistinctKeywords(imported.mediaTypes));
+    const auto expectDistinct = [](const auto& items)
+    {
+        std::set<std::string> keywords;
+        std::ranges::for_each(items, [&](const auto& item) { EXPECT_TRUE(keywords.insert(item.keyword).second); });
+    };
+    expectDistinct(imported.papers);
+    expectDistinct(imported.bins);
+    expectDistinct(imported.mediaTypes);
     std::vector<service::ProfileProblem> problems;
     const auto profile = service::ParseProfile(ToJson(imported), path, problems);
     ASSERT_TRUE(profile.has_value()) << problems.front().field << ": " << problems.front().reason;

@@ -4,23 +4,19 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <filesystem>
-#include <memory>
 #include <set>
-#include <string>
 #include <tuple>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "language/resource_ids.h"
+#include "tests/language/built_library.h"
 
 namespace
 {
 
-template <typename Handle, typename Close>
-using Owner = std::unique_ptr<std::remove_pointer_t<Handle>, Close>;
-using Module = Owner<HMODULE, decltype([](HMODULE module) { FreeLibrary(module); })>;
+using namespace tsypr::language_tests;
+
 using Bitmap = Owner<HBITMAP, decltype([](HBITMAP bitmap) { DeleteObject(bitmap); })>;
 using Dc = Owner<HDC, decltype([](HDC dc) { DeleteDC(dc); })>;
 
@@ -44,13 +40,6 @@ const Library kLibraries[] = {
     {"ko_kr_412", {{2002, L"\uAC00\uB85C"}, {2039, L"\uD655\uC778"}}},
     {"zh_cn_804", {{2001, L"\u7EB5\u5411"}, {2040, L"\u53D6\u6D88"}}},
     {"zh_tw_404", {{2001, L"\u76F4\u5411"}, {2005, L"\u7121"}}}};
-
-std::filesystem::path LibraryPath(const char* code)
-{
-    std::wstring program(MAX_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-    return std::filesystem::path(program).parent_path() / ("tsyprUI_" + std::string(code) + ".dll");
-}
 
 // Empty if the module has no such text.
 std::wstring LoadText(HMODULE module, UINT id)
@@ -106,11 +95,17 @@ TEST_P(LanguageLibrary, TextsAreWholeAndFitThePagesBuffers)
 
 TEST_P(LanguageLibrary, TextsDependNeitherOnTheLoadNorOnTheThreadsLanguage)
 {
-    constexpr DWORD kWays[] = {LOAD_LIBRARY_AS_DATAFILE, LOAD_LIBRARY_AS_IMAGE_RESOURCE | LOAD_LIBRARY_AS_DATAFILE};
+    constexpr DWORD kWays[] = {LOAD_LIBRARY_AS_DATAFILE, LOAD_LIBRARY_AS_IMAGE_RESOURCE | LOAD_LIBRARY_AS_DATAFILE, 0};
     for (const DWORD way : kWays)
     {
-        const Module module(LoadLibraryExW(m_path.c_str(), nullptr, way));
-        ExpectKnownTexts(module.get(), GetParam());
+        // Loaded as it is, a second file with the same preferred address has to give way.
+        const std::filesystem::path copy = m_path.parent_path() / (L"copy_of_" + m_path.filename().wstring());
+        std::filesystem::copy_file(m_path, copy, std::filesystem::copy_options::overwrite_existing);
+        Module second(LoadLibraryExW(copy.c_str(), nullptr, way));
+        EXPECT_NE(second, m_module);
+        ExpectKnownTexts(second.get(), GetParam());
+        second.reset();
+        std::filesystem::remove(copy);
     }
     const LCID before = GetThreadLocale();
     for (const LCID locale : {0x0409u, 0x0411u, 0x0407u, 0x0404u, 0x0804u, 0x0419u})
@@ -139,28 +134,6 @@ TEST_P(LanguageLibrary, PicturesHaveTheirSizesAndContents)
         EXPECT_TRUE(colors.contains(RGB(240, 240, 240))) << "the dialog's colour must be around the picture";
         EXPECT_EQ(colors.contains(RGB(255, 255, 255)), id != IDB_LOGO) << "pages are white";
     }
-}
-
-TEST_P(LanguageLibrary, VersionInformationNamesTheFile)
-{
-    std::vector<std::byte> block(GetFileVersionInfoSizeW(m_path.c_str(), nullptr));
-    ASSERT_TRUE(GetFileVersionInfoW(m_path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
-    void* value = nullptr;
-    UINT length = 0;
-    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\StringFileInfo\\040904B0\\OriginalFilename", &value, &length));
-    EXPECT_EQ(static_cast<const wchar_t*>(value), m_path.filename().wstring());
-}
-
-// Two files with the same preferred address: one of them has to give way.
-TEST_P(LanguageLibrary, LoadsAtAnotherAddress)
-{
-    const std::filesystem::path copy = m_path.parent_path() / (L"copy_of_" + m_path.filename().wstring());
-    std::filesystem::copy_file(m_path, copy, std::filesystem::copy_options::overwrite_existing);
-    Module second(LoadLibraryW(copy.c_str()));
-    EXPECT_NE(second, m_module);
-    ExpectKnownTexts(second.get(), GetParam());
-    second.reset();
-    std::filesystem::remove(copy);
 }
 
 TEST_P(LanguageLibrary, HoldsNoCodeAndAllowsRandomAddresses)

@@ -98,7 +98,8 @@ TEST_F(LogTest, LevelsAreNamedAndMayChangeAtAnyTime)
     }
     EXPECT_FALSE(LogSetLevel(kLogInfo)); // not running
     ASSERT_TRUE(Start(Utf8(m_file), "info"));
-    for (const int level : {kLogDebug1, kLogErrorLevel, -1, kLogDebug1 + 1, kLogAudit, kLogInfo})
+    const int levels[] = {kLogDebug1, kLogErrorLevel, -1, kLogDebug1 + 1, kLogAudit, kLogInfo};
+    for (const int level : levels)
     {
         const bool known = level >= kLogAudit && level <= kLogDebug1;
         EXPECT_EQ(LogSetLevel(level), known) << level;

@@ -241,7 +241,7 @@ TEST(CodePage, ThreadsAndRelease)
 {
     for (int round = 0; round < 3; ++round)
     {
-        InThreads(4,
+        test::InThreads(4,
                   [](int)
                   {
                       for (int n = 0; n < 200; ++n)

@@ -12,11 +12,6 @@
 namespace tsypr
 {
 
-inline bool operator==(const CodeSetResult& a, const CodeSetResult& b)
-{
-    return a.status == b.status && a.replacements == b.replacements && a.firstBadOffset == b.firstBadOffset;
-}
-
 inline std::ostream& operator<<(std::ostream& out, const CodeSetResult& result)
 {
     return out << "status " << static_cast<int>(result.status) << ", " << result.replacements << " replaced, first at "
