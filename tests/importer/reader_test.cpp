@@ -92,7 +92,7 @@ TEST(ImporterReader, ErrorsNameFileAndLine)
     expect(folder.Write("groups.ppd", text + "*OpenGroup: One\n*OpenGroup: Two\n"), place);
 }
 
-TEST(ImporterText, CleansAndDecodes)
+TEST(ImporterText, CleansDecodesAndCuts)
 {
     EXPECT_EQ(CleanText("  a \t\r\n b  \x01\x7F\xC2\x85"), "a b");
     EXPECT_EQ(CleanText("Gr\xC3\xB6\xC3\x9F"), "Gr\xC3\xB6\xC3\x9F"); // UTF-8 stays
@@ -100,20 +100,8 @@ TEST(ImporterText, CleansAndDecodes)
     EXPECT_EQ(CleanText("x\xC0\xAF"), "x\xC3\x80\xC2\xAF");           // overlong form is no UTF-8
     EXPECT_EQ(CleanText("x\xED\xA0\x80"), "x\xC3\xAD\xC2\xA0");       // surrogate: Latin-1, ends in a control character
     EXPECT_EQ(CleanText("cut \xE2\x82"), "cut \xC3\xA2");             // incomplete, likewise
-}
-
-TEST(ImporterText, CutsComparesSplitsAndMakesXmlNames)
-{
-    const std::string text = "ab\xE2\x82\xAC\xF0\x9F\x98\x80"; // the last character counts as two
-    EXPECT_EQ(TextLength(text), 5u);
-    EXPECT_EQ(CutText(text, 4), "ab\xE2\x82\xAC"); // half of the last would fit
-    EXPECT_EQ(CutText(text, 5), text);
-    EXPECT_EQ(CutText("ab cd", 3), "ab"); // no blank left at the end
-    EXPECT_EQ(Normalise("Plain (60 - 81 g/m2)"), "plain");
-    EXPECT_TRUE(HasWord("none off", "off") && !HasWord("none off", "of") && !HasWord("none off", ""));
-    EXPECT_EQ(Words("UpperLeft2/2 at left"), (std::set<std::string>{"upper", "left", "2", "at"}));
-    EXPECT_EQ(VendorKeyword("Paper", "A4.FullBleed"), "ns0000:A4FullBleed");
-    EXPECT_EQ(VendorKeyword("Paper", "12x18"), "ns0000:Paper12x18");
+    EXPECT_EQ(CutText("ab\xE2\x82\xAC\xF0\x9F\x98\x80", 4), "ab\xE2\x82\xAC"); // the last one counts as two
+    EXPECT_EQ(CutText("ab cd", 3), "ab");                                      // no blank left at the end
     EXPECT_EQ(VendorKeyword("Bin", "++"), "ns0000:Bin");
 }
 

@@ -1,5 +1,4 @@
 #include "tests/importer/test_support.h"
-#include "tools/ppdimport/finishing_table.h"
 
 #include <gmock/gmock.h>
 
@@ -59,8 +58,13 @@ TEST(ImporterSettings, OptionsBecomeFields)
          R"({"punch": ["psk:None", "psk:LeftEdge"], "private": {"punch": "psk:LeftEdge"},
             "staple": ["psk:None", "psk:StapleTopLeft", "psk:StapleTopRight"]})",
          "RIPunch=Left3 (3 at left): psk:LeftEdge stands for Left2"},
+        {{{"StapleJob",
+           "FalseM/Off|Upperleft/Oben Links|S2/2 staples left|CenterW/2 at center|1PRU/1 Staple (Port RU)"}},
+         R"({"staple": ["psk:None", "psk:StapleTopLeft", "psk:StapleDualLeft", "psk:SaddleStitch"]})"},
+        {{{"StapleJob", "None|Rear"}, {"RIPunch", "UpperEU4/4 at top (Europe)|2Hole/2 Holes (US)|Odd/Spiral"}},
+         R"({"staple": ["psk:None", "psk:StapleTopLeft"], "punch": ["psk:None", "psk:LeftEdge", "psk:TopEdge"]})",
+         "RIPunch=Odd (Spiral): no keyword"},
         {{{"StapleJob", "None/Off|PrinterS/Printer"}}, R"({"staple": null})"},
-        {{{"RIPunch", "Left2/2 at left|Odd/Spiral"}}, "{}", "RIPunch=Odd (Spiral): no keyword"},
     };
     for (const auto& [options, expected, report] : cases)
     {
@@ -107,33 +111,6 @@ TEST(ImporterSettings, ReportsWhatHasNoField)
                                        "  Fold with Tray: 1 rule\n"})
     {
         EXPECT_THAT(ReportOf(model), HasSubstr(expected));
-    }
-}
-
-TEST(ImporterFinishing, FindsPlacesAndEdges)
-{
-    const struct
-    {
-        const FinishingTable& table;
-        const char* name;
-        const char* text;
-        const char* expected; // "?" behind an assumed place, "" for none
-    } cases[] = {
-        {StapleTable(), "FalseM", "Off", "psk:None"},
-        {StapleTable(), "Upperleft", "Oben Links", "psk:StapleTopLeft"}, // by its name
-        {StapleTable(), "S2", "2 staples left", "psk:StapleDualLeft"},
-        {StapleTable(), "CenterW", "2 at center", "psk:SaddleStitch"},
-        {StapleTable(), "Rear", "Rear", "psk:StapleTopLeft?"},
-        {StapleTable(), "Staple6", "2 Staples", "psk:StapleDualLeft?"},
-        {StapleTable(), "1PRU", "1 Staple (Port RU/Land RB)", ""},
-        {PunchTable(), "UpperEU4", "4 at top (Europe)", "psk:TopEdge"},
-        {PunchTable(), "2Hole", "2 Holes (US)", "psk:LeftEdge?"},
-        {PunchTable(), "3HoleF", "3 Holes Front", ""},
-    };
-    for (const auto& [table, name, text, expected] : cases)
-    {
-        const FinishingRule* rule = FindFinishingRule(table, {name, text});
-        EXPECT_EQ(rule != nullptr ? std::string(rule->keyword) + (rule->assumed ? "?" : "") : "", expected) << name;
     }
 }
 

@@ -240,7 +240,7 @@ TEST_F(LogOutputTest, FilesThatAreRemovedRenamedOrEmptiedAreNoticed)
         Write("gone");
         m_now += 1000;
         Write("there");
-        EXPECT_THAT(Lines(), ElementsAre("LogWrite, 1 lines were lost.", "there"));
+        EXPECT_THAT(Lines(), ElementsAre("LogWrite, 2 lines were lost.", "there"));
 #endif
         m_output->Close(m_now);
     }

@@ -242,16 +242,16 @@ TEST(CodePage, ThreadsAndRelease)
     for (int round = 0; round < 3; ++round)
     {
         test::InThreads(4,
-                  [](int)
-                  {
-                      for (int n = 0; n < 200; ++n)
-                      {
-                          std::string back;
-                          Utf16String wide;
-                          EXPECT_TRUE(CodeSet_PageToUtf16(932, "\x88\xF3\x8D\xFC", wide, kStrict).Ok());
-                          EXPECT_TRUE(CodeSet_Utf16ToPage(936, wide, back, kLenient).Ok());
-                      }
-                  });
+                        [](int)
+                        {
+                            for (int n = 0; n < 200; ++n)
+                            {
+                                std::string back;
+                                Utf16String wide;
+                                EXPECT_TRUE(CodeSet_PageToUtf16(932, "\x88\xF3\x8D\xFC", wide, kStrict).Ok());
+                                EXPECT_TRUE(CodeSet_Utf16ToPage(936, wide, back, kLenient).Ok());
+                            }
+                        });
         CodeSetRelease();
     }
 }
