@@ -86,11 +86,6 @@ FileResult MakeUserFolder() noexcept
 
 } // namespace
 
-size_t ParsePreferences(std::string_view text, Dictionary& out) noexcept
-{
-    return out.Load(text);
-}
-
 void PreferencesStart() noexcept
 {
     const StoreGuard guard(g_store.lock);

@@ -27,6 +27,12 @@ struct ScratchFolder : test::ScratchFolder
         return path / name;
     }
 
+    std::string Read(std::string_view name) const
+    {
+        std::ifstream file(path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
     // Gives the path.
     std::string Write(std::string_view name, std::string_view content) const
     {
@@ -34,12 +40,6 @@ struct ScratchFolder : test::ScratchFolder
         return path / name;
     }
 };
-
-inline std::string ReadAll(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // A small PPD file with A4 and Letter; `more` goes behind the page sizes.
 inline std::string SmallPpd(const std::string& more = "", const std::string& encoding = "ISOLatin1")

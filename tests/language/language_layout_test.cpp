@@ -232,12 +232,11 @@ TEST_P(PageLayout, TextsAndPicturesAreNotCut)
     }
 }
 
-const auto kName = [](const testing::TestParamInfo<const char*>& library) { return std::string(library.param); };
 INSTANTIATE_TEST_SUITE_P(
     Libraries,
     PageLayout,
     testing::Values(
         "en_us_409", "de_de_407", "es_es_40a", "fr_fr_40c", "ja_jp_411", "ko_kr_412", "zh_cn_804", "zh_tw_404"),
-    kName);
+    [](const auto& library) { return std::string(library.param); });
 
 } // namespace

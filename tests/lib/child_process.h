@@ -14,6 +14,8 @@
 
 #ifdef _WIN32
 #include <windows.h>
+
+#include <process.h>
 #else
 #include <csignal>
 #include <spawn.h>
@@ -53,49 +55,6 @@ private:
 #endif
 };
 
-#ifdef _WIN32
-
-inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
-{
-    std::wstring program(32768, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    std::wstring line = L'"' + program + L"\" --child";
-    for (const std::string& argument : arguments)
-    {
-        line += L' ' + std::wstring(argument.begin(), argument.end());
-    }
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    if (CreateProcessW(
-            program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) == FALSE)
-    {
-        throw std::runtime_error("cannot start this program again");
-    }
-    CloseHandle(process.hThread);
-    m_process = process.hProcess;
-}
-
-inline void ChildProcess::Kill()
-{
-    if (m_process != nullptr)
-    {
-        TerminateProcess(m_process, 99);
-        Wait();
-    }
-}
-
-inline int ChildProcess::Wait()
-{
-    DWORD code = 0;
-    WaitForSingleObject(m_process, INFINITE);
-    GetExitCodeProcess(m_process, &code);
-    CloseHandle(std::exchange(m_process, nullptr));
-    return static_cast<int>(code);
-}
-
-#else
-
 inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
 {
     std::vector<std::string> texts{"/proc/self/exe", "--child"};
@@ -106,7 +65,16 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
         pointers.push_back(text.data());
     }
     pointers.push_back(nullptr);
-    if (posix_spawn(&m_process, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0)
+#ifdef _WIN32
+    std::wstring program(32768, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
+    m_process =
+        reinterpret_cast<HANDLE>(_spawnv(_P_NOWAIT, std::filesystem::path(program).string().c_str(), pointers.data()));
+    const bool started = m_process != INVALID_HANDLE_VALUE;
+#else
+    const bool started = posix_spawn(&m_process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0;
+#endif
+    if (!started)
     {
         throw std::runtime_error("cannot start this program again");
     }
@@ -114,21 +82,31 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
 
 inline void ChildProcess::Kill()
 {
-    if (m_process != 0)
+    if (m_process != decltype(m_process){})
     {
+#ifdef _WIN32
+        TerminateProcess(m_process, 99);
+#else
         kill(m_process, SIGKILL);
+#endif
         Wait();
     }
 }
 
 inline int ChildProcess::Wait()
 {
+#ifdef _WIN32
+    DWORD code = 0;
+    WaitForSingleObject(m_process, INFINITE);
+    GetExitCodeProcess(m_process, &code);
+    CloseHandle(std::exchange(m_process, nullptr));
+    return static_cast<int>(code);
+#else
     int status = 0;
     waitpid(std::exchange(m_process, 0), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 #endif
+}
 
 // The program's main.
 inline int RunTestsOrChild(int argc, char** argv)

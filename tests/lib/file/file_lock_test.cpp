@@ -52,27 +52,6 @@ TEST(FileLock, ModesOwnersAndTimeOuts)
     EXPECT_TRUE(third.Acquire(path.c_str(), LockMode::Shared, 0).Ok()); // what was held is released first
 }
 
-TEST(FileLock, WaitsUntilItIsReleased)
-{
-    const ScratchFolder scratch("lock-wait");
-    const std::string path = Utf8(scratch / "lock");
-    FileLock holder;
-    ASSERT_TRUE(holder.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
-    std::atomic<bool> released{false};
-    const std::jthread releasing(
-        [&]
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            released = true;
-            holder.Release();
-        });
-    FileLock waiter;
-    const FileResult result = waiter.Acquire(path.c_str(), LockMode::Exclusive, 10'000);
-    EXPECT_TRUE(released);
-    EXPECT_TRUE(result.Ok());
-    EXPECT_GE(result.retries, 1U);
-}
-
 TEST(FileLock, BadPathsAndFaults)
 {
     const ScratchFolder scratch("lock-bad");

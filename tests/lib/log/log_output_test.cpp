@@ -1,10 +1,10 @@
 #include "lib/log/log_output.h"
 
 #include "lib/file/fault_plan.h"
+#include "lib/misc/clock.h"
 #include "tests/lib/log/log_files.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace tsypr::test
 {
@@ -29,6 +29,14 @@ protected:
         m_output->Write(line + '\n', m_now);
     }
 
+    void MakeFiles(std::initializer_list<const char*> names) const
+    {
+        for (const char* name : names)
+        {
+            std::ofstream(m_folder / name, std::ios::binary) << name << '\n';
+        }
+    }
+
     // The lines of the file, without what stands in front of those of the log itself.
     std::vector<std::string> Lines() const
     {
@@ -43,15 +51,8 @@ protected:
     ScratchFolder m_folder{"log-output"};
     std::filesystem::path m_file = m_folder / "test.log";
     std::string m_name = Utf8(m_file);
-    int64_t m_now = UtcNow();
+    int64_t m_now = UtcNowMilliseconds();
     std::unique_ptr<LogOutput> m_output;
-
-private:
-    static int64_t UtcNow()
-    {
-        using namespace std::chrono;
-        return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    }
 };
 
 TEST_F(LogOutputTest, FullFilesMoveOnAndTheOldestGoes)
@@ -89,44 +90,24 @@ TEST_F(LogOutputTest, FullFilesMoveOnAndTheOldestGoes)
 
 TEST_F(LogOutputTest, FilesBeyondTheKeptOnesGoWhenFewerAreKept)
 {
-    for (const char* name : {"test.log", "test.log.1", "test.log.2", "test.log.3", "test.log.4"})
-    {
-        std::ofstream(m_folder / name, std::ios::binary) << name << '\n';
-    }
+    MakeFiles({"test.log", "test.log.1", "test.log.2", "test.log.3", "test.log.4"});
     Open(10, 2);
     Write("new");
     m_output->Close(m_now);
     EXPECT_THAT(ReadRotated(m_file), ElementsAre("test.log.1", "test.log", "new"));
 }
 
-// Somebody has the file open in a way that forbids renaming it.
-class Viewer
-{
-public:
-    explicit Viewer(const std::filesystem::path& file) : m_file(file)
-    {
-#ifndef _WIN32
-        m_plan.Fail(FileOperation::Rename, FileError::AccessDenied, 1, FileFaultPlan::kAlways);
-#endif
-    }
-
-    FileFaultPlan& Plan()
-    {
-        return m_plan;
-    }
-
-private:
-    std::ifstream m_file;
-    FileFaultPlan m_plan;
-};
-
 TEST_F(LogOutputTest, AViewerDoesNotStopIt)
 {
     Open(10, 5);
     Write("one line");
     {
-        Viewer viewer(m_file);
-        const auto attempts = [&viewer] { return viewer.Plan().Seen(FileOperation::Lock); }; // one for each
+        const std::ifstream viewer(m_file); // in a way that forbids renaming it
+        FileFaultPlan plan;
+#ifndef _WIN32
+        plan.Fail(FileOperation::Rename, FileError::AccessDenied, 1, FileFaultPlan::kAlways);
+#endif
+        const auto attempts = [&plan] { return plan.Seen(FileOperation::Lock); }; // one for each
         Write("two");
         EXPECT_EQ(attempts(), 1U);
         for (int second = 0; second < 120; ++second)
@@ -147,10 +128,7 @@ TEST_F(LogOutputTest, AViewerDoesNotStopIt)
 
 TEST_F(LogOutputTest, AChainThatIsBlockedInTheMiddleKeepsItsOrder)
 {
-    for (const char* name : {"test.log.1", "test.log.2", "test.log"})
-    {
-        std::ofstream(m_folder / name, std::ios::binary) << "content of " << name << '\n';
-    }
+    MakeFiles({"test.log.1", "test.log.2", "test.log"});
     Open(10, 5);
     {
         FileFaultPlan plan;
@@ -160,9 +138,7 @@ TEST_F(LogOutputTest, AChainThatIsBlockedInTheMiddleKeepsItsOrder)
     m_now += 1000;
     Write("second");
     m_output->Close(m_now);
-    EXPECT_THAT(
-        ReadRotated(m_file),
-        ElementsAre("content of test.log.2", "content of test.log.1", "content of test.log", "first", "second"));
+    EXPECT_THAT(ReadRotated(m_file), ElementsAre("test.log.2", "test.log.1", "test.log", "first", "second"));
     EXPECT_EQ(RotatedFiles(m_file).size(), 4U);
 }
 

@@ -4,7 +4,6 @@
 #include "tests/lib/log/log_files.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <random>
@@ -114,18 +113,6 @@ TEST(LogRetentionTest, TheOldestOfTheTagGo)
     {
         EXPECT_EQ(LeftAfterStart(example.files, example.name, example.keep, example.tag), example.left);
     }
-}
-
-TEST(LogRetentionTest, AHundredAtOnce)
-{
-    std::vector<std::string> files;
-    for (int i = 100; i < 250; ++i)
-    {
-        files.push_back("print_ui_" + std::to_string(i) + ".log");
-    }
-    const std::string left = LeftAfterStart(files, "print_ui_9.log", "10", "ui");
-    EXPECT_EQ(std::ranges::count(left, ' '), 51);
-    EXPECT_TRUE(left.starts_with("print_ui_200.log ")) << left;
 }
 
 TEST(LogRetentionTest, AnotherProcessesFileStays)

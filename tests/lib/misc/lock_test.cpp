@@ -1,6 +1,6 @@
 #include "lib/misc/clock.h"
+#include "lib/misc/once.h"
 #include "lib/misc/recursive_lock.h"
-
 #include "tests/lib/child_process.h"
 
 #include <future>
@@ -13,27 +13,14 @@ namespace
 
 using namespace std::chrono_literals;
 
-constinit ExclusiveLock g_exclusive; // both may be static state
-constinit RecursiveLock g_recursive;
-
 template <class Lock>
-Lock& TheLock();
-template <>
-ExclusiveLock& TheLock()
-{
-    return g_exclusive;
-}
-template <>
-RecursiveLock& TheLock()
-{
-    return g_recursive;
-}
+constinit Lock g_lock; // both kinds may be static state
 
 template <class Lock>
 class LockTest : public testing::Test
 {
 protected:
-    Lock& m_lock = TheLock<Lock>();
+    Lock& m_lock = g_lock<Lock>;
     LockStatistics m_before = m_lock.Statistics();
 };
 
@@ -97,27 +84,25 @@ TYPED_TEST(LockTest, TimedFormsWaitAsLongAsTheyShould)
     EXPECT_GE(MonotonicMicroseconds() - begin, 29'000);
 
     std::atomic<int> asking{0};
-    auto patient = std::async(std::launch::async,
-                              [&lock, &asking]
-                              {
-                                  ++asking;
-                                  const bool taken = lock.TryAcquireFor(60'000);
-                                  lock.Release();
-                                  return taken;
-                              });
-    auto endless = std::async(std::launch::async,
-                              [&lock, &asking]
-                              {
-                                  ++asking;
-                                  const ScopedLock scope(lock);
-                              });
+    const auto waiting = [&lock, &asking](auto take)
+    {
+        return std::async(std::launch::async,
+                          [&lock, &asking, take]
+                          {
+                              ++asking;
+                              take();
+                              lock.Release();
+                          });
+    };
+    auto patient = waiting([&lock] { EXPECT_TRUE(lock.TryAcquireFor(60'000)); });
+    auto endless = waiting([&lock] { lock.Acquire(); });
     while (asking != 2)
     {
         std::this_thread::yield();
     }
     std::this_thread::sleep_for(30ms);
     lock.Release();
-    EXPECT_TRUE(patient.get());
+    patient.get();
     endless.get();
     EXPECT_LT(MonotonicMicroseconds() - begin, 30'000'000); // woken, not timed out
 
@@ -230,22 +215,57 @@ TEST(LockRankTest, OtherThreadsDoNotCountAndTheDefaultGoesOn)
 {
     ExclusiveLock high("preferences", 20);
     ExclusiveLock low("log", 10);
+    const auto take = [&low] { const ScopedLock inner(low); };
     const ScopedLock scope(high);
     testing::internal::CaptureStderr();
-    ElsewhereSays([&low] { const ScopedLock inner(low); });
+    ElsewhereSays(take);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     testing::internal::CaptureStderr();
-    {
-        const ScopedLock inner(low);
-    }
+    take();
     const std::string text = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(text.substr(0, text.find_first_of("\r\n")),
-              kLockRanksWatched
-                  ? "lock rank violation: \"log\" (rank 10) is taken while \"preferences\" (rank 20) is held"
-                  : "");
+    EXPECT_TRUE(kLockRanksWatched ? text.starts_with("lock rank violation: \"log\" (rank 10) is taken while "
+                                                     "\"preferences\" (rank 20) is held")
+                                  : text.empty())
+        << text;
     RecursiveLock again("again", 30);
     const ScopedLock first(again);
     const ScopedLock second(again); // no violation: nothing would wait
+}
+
+TEST(OnceTest, WhatFailsIsTriedAgain)
+{
+    OnceFlag flag;
+    EXPECT_FALSE(CallOnce(flag, [] { return false; }));
+    EXPECT_THROW(CallOnce(flag, [] { throw std::runtime_error("no"); }), std::runtime_error);
+    EXPECT_FALSE(flag.IsDone());
+    EXPECT_TRUE(CallOnce(flag, [] { return true; }));
+    EXPECT_TRUE(CallOnce(flag, [] { return false; })); // no longer asked
+}
+
+// One runs it while the others wait. After a failure those that wait make attempts of their own, one after the other.
+TEST(OnceTest, ManyThreadsOneSuccess)
+{
+    constexpr int kThreads = 6;
+    for (const int successful : {1, 4})
+    {
+        OnceFlag flag;
+        int attempts = 0; // only the flag orders what the threads do with it
+        std::atomic<int> right{0};
+        InThreads(kThreads,
+                  [&](int)
+                  {
+                      const bool done = CallOnce(flag,
+                                                 [&]
+                                                 {
+                                                     std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                                                     return ++attempts == successful;
+                                                 });
+                      right += done && attempts == successful ? 1 : 0;
+                  });
+        EXPECT_EQ(attempts, successful);
+        EXPECT_EQ(right, kThreads - successful + 1);
+        EXPECT_TRUE(flag.IsDone());
+    }
 }
 
 TEST(ClockTest, DeadlinesCountDown)
