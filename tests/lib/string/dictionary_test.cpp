@@ -94,22 +94,23 @@ TEST(Dictionary, EveryValueComesBack)
         bytes.push_back(static_cast<char>(i));
     }
     Dictionary values;
-    for (const char* text : {"",
-                             " ",
-                             "D:\\logs\\new.log",
-                             "\\\\server\\share\\",
-                             "\\",
-                             "\\\\\\",
-                             "\"",
-                             "\\\"",
-                             "a\\\nb",
-                             "\\<0A>",
-                             "\\\\<0A>",
-                             "\xC3\xA4\\\xE2\x82\xAC",
-                             "\x80\\\xFF",
-                             "# = \"x\"",
-                             "\r\n\t",
-                             "\xEF\xBB\xBF"})
+    const char* const texts[] = {"",
+                                 " ",
+                                 "D:\\logs\\new.log",
+                                 "\\\\server\\share\\",
+                                 "\\",
+                                 "\\\\\\",
+                                 "\"",
+                                 "\\\"",
+                                 "a\\\nb",
+                                 "\\<0A>",
+                                 "\\\\<0A>",
+                                 "\xC3\xA4\\\xE2\x82\xAC",
+                                 "\x80\\\xFF",
+                                 "# = \"x\"",
+                                 "\r\n\t",
+                                 "\xEF\xBB\xBF"};
+    for (const char* const text : texts)
     {
         ASSERT_TRUE(values.Set("key " + std::to_string(values.Size()), text));
     }
