@@ -69,32 +69,14 @@ int HoldLock(const std::string& file, const std::string& ready)
     return 0;
 }
 
-// Adds 1 to the number in FILE, N times, under the lock beside it.
-int Count(const std::string& file, int times)
-{
-    for (; times != 0; --times)
-    {
-        FileLock lock;
-        if (!lock.Acquire((file + ".lock").c_str(), LockMode::Exclusive, 30'000).Ok() ||
-            Create(file, std::to_string(std::atoi(Contents(file).c_str()) + 1)) != FileError::None)
-        {
-            return 1;
-        }
-    }
-    return 0;
-}
-
 } // namespace
 
 int RunChild(const std::vector<std::string>& arguments)
 {
     const auto& [role, first, second] = std::tie(arguments[0], arguments[1], arguments[2]);
-    const int number = std::atoi(second.c_str());
-    return role == "crash-at"           ? CrashAt(first, static_cast<unsigned>(number))
+    return role == "crash-at"           ? CrashAt(first, static_cast<unsigned>(std::atoi(second.c_str())))
            : role == "replace-for-ever" ? ReplaceForEver(first, second)
-           : role == "hold-lock"        ? HoldLock(first, second)
-           : role == "count"            ? Count(first, number)
-                                        : 2;
+                                        : HoldLock(first, second);
 }
 
 } // namespace tsypr::test

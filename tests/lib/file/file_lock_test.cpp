@@ -120,16 +120,5 @@ TEST(FileLock, BetweenProcesses)
     EXPECT_TRUE(lock.Acquire(path.c_str(), LockMode::Exclusive, 5000).Ok());
 }
 
-TEST(FileLock, CountersOfSeveralProcessesAndThreads)
-{
-    constexpr int kTimes = 25;
-    const ScratchFolder scratch("lock-count");
-    const std::string path = Utf8(scratch / "number");
-    ASSERT_EQ(Create(path, "0"), FileError::None);
-    const std::vector<std::string> arguments{"count", path, std::to_string(kTimes)};
-    InThreads(4, [&](int number) { EXPECT_EQ(number < 2 ? ChildProcess(arguments).Wait() : RunChild(arguments), 0); });
-    EXPECT_EQ(Contents(path), std::to_string(4 * kTimes));
-}
-
 } // namespace
 } // namespace tsypr::test

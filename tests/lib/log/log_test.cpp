@@ -2,6 +2,7 @@
 
 #include "lib/log/log_settings.h"
 #include "lib/misc/process.h"
+#include "lib/string/format.h"
 #include "lib/unicode/codeset.h"
 #include "tests/lib/child_process.h"
 #include "tests/lib/log/log_files.h"
@@ -170,14 +171,11 @@ TEST_F(LogTest, IdenticalLinesAreFolded)
 
 std::string Show(const LogSettings& s)
 {
-    const uint32_t numbers[] = {
-        s.ownFile ? 1U : 0U, s.rotateBytes, s.keepRotated, s.keepFiles, s.throttleLines, s.throttleSeconds};
-    std::string text = std::to_string(s.level) + (s.file == nullptr ? " none" : " file");
-    for (const uint32_t number : numbers)
-    {
-        text += ' ' + std::to_string(number);
-    }
-    return text;
+    std::string text;
+    FormatString(text, "%d %s %d %u ", s.level, s.file == nullptr ? "none" : "file", s.ownFile ? 1 : 0, s.rotateBytes);
+    std::string more;
+    FormatString(more, "%u %u %u %u", s.keepRotated, s.keepFiles, s.throttleLines, s.throttleSeconds);
+    return text + more;
 }
 
 TEST(LogSettingsTest, WhatIsNoNumberInTheRangeCountsAsMissing)

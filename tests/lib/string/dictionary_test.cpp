@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <optional>
+#include <sstream>
 
 namespace tsypr
 {
@@ -94,23 +95,10 @@ TEST(Dictionary, EveryValueComesBack)
         bytes.push_back(static_cast<char>(i));
     }
     Dictionary values;
-    const char* const texts[] = {"",
-                                 " ",
-                                 "D:\\logs\\new.log",
-                                 "\\\\server\\share\\",
-                                 "\\",
-                                 "\\\\\\",
-                                 "\"",
-                                 "\\\"",
-                                 "a\\\nb",
-                                 "\\<0A>",
-                                 "\\\\<0A>",
-                                 "\xC3\xA4\\\xE2\x82\xAC",
-                                 "\x80\\\xFF",
-                                 "# = \"x\"",
-                                 "\r\n\t",
-                                 "\xEF\xBB\xBF"};
-    for (const char* const text : texts)
+    std::istringstream texts("| "
+                             "|D:\\logs\\new.log|\\\\server\\share\\|\\|\\\\\\|\"|\\\"|a\\\nb|\\<0A>|\\\\<0A>|"
+                             "\xC3\xA4\\\xE2\x82\xAC|\x80\\\xFF|# = \"x\"|\r\n\t|\xEF\xBB\xBF");
+    for (std::string text; std::getline(texts, text, '|');)
     {
         ASSERT_TRUE(values.Set("key " + std::to_string(values.Size()), text));
     }

@@ -13,14 +13,9 @@ using namespace std::string_view_literals;
 
 TEST(CodeSet, EveryCodePointSurvives)
 {
-    // The limits of each length as the compiler encodes them, and all there are, through every pair.
-    constexpr auto kNarrow = u8"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"sv;
-    Utf16String wide;
-    ASSERT_TRUE(CodeSet_Utf8ToUtf16(std::string(kNarrow.begin(), kNarrow.end()), wide));
-    EXPECT_EQ(wide, Wide(u"\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U0010FFFF"));
-
     const std::u32string all = EveryCodePoint();
     std::u32string back;
+    Utf16String wide;
     std::string narrow;
     std::string narrowAgain;
     ASSERT_TRUE(CodeSet_Utf32ToUtf8(all, narrow, kStrict).Lossless());

@@ -41,12 +41,8 @@ TEST(AppData, JoinsWhatIsInTheDirectory)
     EXPECT_EQ(path, "");
     std::ofstream(folder) << "a file";
     EXPECT_FALSE(W32Util_GetTessaryCommonAppDataFilePath("logs", path));
-}
-
-TEST(AppData, UserMayHaveNone)
-{
-    std::string path = "old";
-    SetVariable(kUserVariable, "");
+    SetVariable(kUserVariable, ""); // the user may have none
+    path = "old";
     EXPECT_FALSE(GetUserAppDataDirectory(path));
     EXPECT_EQ(path, "");
 }
