@@ -3,6 +3,7 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <array>
 
 namespace tsypr::printctl_tests
@@ -23,22 +24,17 @@ std::vector<std::string> PrinterNames()
     return names;
 }
 
-// The differing entries, for a readable message.
+// The names of the entries that are not the same in both, for a readable message.
 std::string Difference(const SystemState& before, const SystemState& after)
 {
-    std::string text;
-    for (const auto& [name, content] : before)
+    std::vector<SystemState::value_type> changed;
+    std::ranges::set_symmetric_difference(before, after, std::back_inserter(changed));
+    std::string names;
+    for (const auto& [name, content] : changed)
     {
-        const auto found = after.find(name);
-        text += found == after.end()       ? "lost: " + name + "\n"
-                : found->second != content ? "changed: " + name + "\n"
-                                           : "";
+        names += name + '\n';
     }
-    for (const auto& [name, content] : after)
-    {
-        text += before.count(name) == 0 ? "new: " + name + "\n" : "";
-    }
-    return text;
+    return names;
 }
 
 // Begins and ends with a system without our driver.
@@ -137,9 +133,9 @@ TEST_F(InstallTest, SecondInstallUpdatesAndStaysOne)
     const std::string product = "file " + std::string(getenv("ProgramFiles")) + "\\Zelmora\\Tessary\\printers\\";
     EXPECT_EQ(second.count(product + "alpha.json"), 0u);
     EXPECT_EQ(second.count(product + "gamma.json"), 1u);
-    EXPECT_EQ(fs::path(QueryJson({L"printers"}).at(0).at("configFile").get<std::string>()).filename(), "tsyprui.dll");
-    const std::string configFile = QueryJson({L"printers"}).at(0).at("configFile");
-    EXPECT_EQ(fs::file_size(configFile), fs::file_size(m_driver.Path() / L"tsyprui.dll"));
+    const fs::path configFile = QueryJson({L"printers"}).at(0).at("configFile").get<std::string>();
+    EXPECT_EQ(configFile.filename(), "tsyprui.dll");
+    EXPECT_EQ(ReadText(configFile), ReadText(m_driver.Path() / L"tsyprui.dll"));
 }
 
 TEST_F(InstallTest, ReplacesLibrariesThatAProgramUses)
