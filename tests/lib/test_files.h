@@ -2,7 +2,7 @@
 #ifndef TESSARY_TESTS_LIB_TEST_FILES_H
 #define TESSARY_TESTS_LIB_TEST_FILES_H
 
-#include "lib/file/file_result.h"
+#include "lib/file/operations.h"
 
 #include <filesystem>
 #include <fstream>
@@ -51,6 +51,18 @@ inline std::string Utf8(const std::filesystem::path& path)
 {
     const std::u8string text = path.u8string();
     return {text.begin(), text.end()};
+}
+
+// The names in a folder, one after the other with a blank behind each.
+inline std::string Names(const std::string& folder)
+{
+    std::vector<DirectoryEntry> entries;
+    std::string names = ListDirectory(folder.c_str(), entries).Ok() ? "" : "<cannot be listed>";
+    for (const DirectoryEntry& entry : entries)
+    {
+        names += entry.name + ' ';
+    }
+    return names;
 }
 
 // The lines of a log. A last line without its end is marked as such.

@@ -31,18 +31,6 @@ inline std::string Contents(const std::string& path)
     return result.Ok() ? contents : '<' + std::string(FileErrorText(result.error)) + '>';
 }
 
-// The names in a folder, one after the other with a blank behind each.
-inline std::string Names(const std::string& folder)
-{
-    std::vector<DirectoryEntry> entries;
-    std::string names = ListDirectory(folder.c_str(), entries).Ok() ? "" : "<cannot be listed>";
-    for (const DirectoryEntry& entry : entries)
-    {
-        names += entry.name + ' ';
-    }
-    return names;
-}
-
 // What an operation of the table below is tried on.
 enum class On
 {

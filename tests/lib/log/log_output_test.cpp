@@ -17,11 +17,10 @@ using testing::ElementsAre;
 class LogOutputTest : public testing::Test
 {
 protected:
-    LogOutput& Open(uint32_t rotateBytes = 0, uint32_t keepRotated = 5, bool ownFile = false)
+    void Open(uint32_t rotateBytes = 0, uint32_t keepRotated = 5, bool ownFile = false)
     {
         m_output = std::make_unique<LogOutput>(
             "test", LogSettings{kLogInfo, m_name.c_str(), ownFile, rotateBytes, keepRotated, 0, 0, 0});
-        return *m_output;
     }
 
     void Write(const std::string& line)

@@ -1,5 +1,4 @@
 // The log in several processes, and in processes that are killed.
-#include "lib/file/operations.h"
 #include "tests/lib/child_process.h"
 #include "tests/lib/log/log_files.h"
 
@@ -56,25 +55,13 @@ void MakeFiles(const ScratchFolder& folder, const std::vector<std::string>& name
     }
 }
 
-std::string Names(const ScratchFolder& folder)
-{
-    std::vector<DirectoryEntry> entries;
-    EXPECT_TRUE(ListDirectory(Utf8(folder.path).c_str(), entries).Ok());
-    std::string all;
-    for (const DirectoryEntry& entry : entries)
-    {
-        all += entry.name + ' ';
-    }
-    return all;
-}
-
 std::string LeftAfterStart(const std::vector<std::string>& files, const char* name, const char* keep, const char* tag)
 {
     const ScratchFolder folder("log-retention");
     MakeFiles(folder, files);
     EXPECT_TRUE(LogStart(tag, Settings(Utf8(folder / name), {{kLogKeepFilesKey, keep}})));
     LogStop();
-    return Names(folder);
+    return Names(Utf8(folder.path));
 }
 
 TEST(LogRetentionTest, TheOldestOfTheTagGo)
@@ -125,7 +112,7 @@ TEST(LogRetentionTest, AnotherProcessesFileStays)
     {
         ASSERT_TRUE(LogStart("ui", Settings(Utf8(folder / "print_ui_9.log"), {{kLogKeepFilesKey, "1"}})));
         LogStop();
-        EXPECT_EQ(Names(folder), left);
+        EXPECT_EQ(Names(Utf8(folder.path)), left);
         holder.Kill(); // the second time nobody has it
     }
 }
