@@ -141,7 +141,7 @@ TEST(ImporterSettings, OptionsBecomeFields)
          R"({"staple": ["psk:None", "psk:StapleTopLeft", "psk:StapleDualLeft", "psk:SaddleStitch"]})"},
         {{MakeOption("StapleJob", "None|Rear"),
           MakeOption("RIPunch", "UpperEU4/4 at top (Europe)|2Hole/2 Holes (US)|Odd/Spiral")},
-         R"({"staple": ["psk:None", "psk:StapleTopLeft"], "punch": ["psk:None", "psk:LeftEdge", "psk:TopEdge"]})",
+         R"({"staple": ["psk:None", "psk:StapleTopLeft"], "punch": ["psk:None", "psk:TopEdge", "psk:LeftEdge"]})",
          "RIPunch=Odd (Spiral): no keyword"},
         {{MakeOption("StapleJob", "None/Off|PrinterS/Printer")}, R"({"staple": null})"},
     };

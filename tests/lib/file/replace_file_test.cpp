@@ -172,7 +172,7 @@ unsigned NumberIn(const std::string& path)
 {
     const std::vector<std::string> lines = ReadLines(path);
     const bool whole =
-        Contents(path).size() >= 20'000 && std::ranges::equal_range(lines, lines[0]).size() == lines.size();
+        Contents(path).size() >= 20'000 && static_cast<size_t>(std::ranges::count(lines, lines[0])) == lines.size();
     return whole ? static_cast<unsigned>(std::stoul(lines[0])) : 0;
 }
 

@@ -25,7 +25,7 @@ TEST(LogProcessesTest, KilledProcessesLoseNoAcknowledgedLine)
                   std::mt19937 random(static_cast<unsigned>(thread));
                   for (int kill = 0; kill < kKills; ++kill)
                   {
-                      const ScratchFolder own("log-kill/" + std::to_string(thread));
+                      const ScratchFolder own("log-kill/" + std::to_string(thread) + '-' + std::to_string(kill));
                       const std::filesystem::path log = own / "log";
                       const std::filesystem::path notes = own / "acknowledged";
                       KillAtWork({"write-for-ever", Utf8(log), Utf8(notes), kill % 2 == 0 ? "0" : "1"},
