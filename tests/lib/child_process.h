@@ -14,8 +14,6 @@
 
 #ifdef _WIN32
 #include <windows.h>
-
-#include <process.h>
 #else
 #include <csignal>
 #include <spawn.h>
@@ -57,6 +55,22 @@ private:
 
 inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
 {
+#ifdef _WIN32
+    std::wstring line(32768, L'\0');
+    line.resize(GetModuleFileNameW(nullptr, line.data(), static_cast<DWORD>(line.size())));
+    line = L'"' + line + L"\" --child";
+    for (const std::string& argument : arguments)
+    {
+        line += L' ' + std::wstring(argument.begin(), argument.end());
+    }
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    const bool started =
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) != FALSE;
+    CloseHandle(process.hThread);
+    m_process = process.hProcess;
+#else
     std::vector<std::string> texts{"/proc/self/exe", "--child"};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
@@ -65,13 +79,6 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
         pointers.push_back(text.data());
     }
     pointers.push_back(nullptr);
-#ifdef _WIN32
-    std::wstring program(32768, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    m_process =
-        reinterpret_cast<HANDLE>(_spawnv(_P_NOWAIT, std::filesystem::path(program).string().c_str(), pointers.data()));
-    const bool started = m_process != INVALID_HANDLE_VALUE;
-#else
     const bool started = posix_spawn(&m_process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0;
 #endif
     if (!started)
