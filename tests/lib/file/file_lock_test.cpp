@@ -4,9 +4,6 @@
 
 #include "lib/misc/process.h"
 
-#include <atomic>
-#include <chrono>
-
 namespace tsypr::test
 {
 namespace

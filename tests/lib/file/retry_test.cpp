@@ -3,8 +3,6 @@
 
 #include "lib/file/system_file.h"
 
-#include <chrono>
-
 #ifdef _WIN32
 #include <windows.h>
 #endif
