@@ -1,8 +1,7 @@
 // Locks between objects, threads and processes.
+#include "lib/misc/process.h"
 #include "tests/lib/child_process.h"
 #include "tests/lib/file/file_test.h"
-
-#include "lib/misc/process.h"
 
 namespace tsypr::test
 {

@@ -1,7 +1,7 @@
 // What other processes are in the way of is tried again, and the result tells.
-#include "tests/lib/file/file_test.h"
-
 #include "lib/file/system_file.h"
+#include "tests/lib/child_process.h"
+#include "tests/lib/file/file_test.h"
 
 #ifdef _WIN32
 #include <windows.h>
