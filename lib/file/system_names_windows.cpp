@@ -3,7 +3,8 @@
 #include "lib/file/system_call_windows.h"
 #include "lib/misc/file_time_windows.h"
 
-#include <new>
+#include <algorithm>
+#include <iterator>
 
 namespace tsypr::sys
 {
@@ -30,11 +31,13 @@ FileStatus ToStatus(DWORD attributes, bool isLink, FILETIME modified, DWORD size
     return status;
 }
 
-// Other reparse points, such as files kept in a cloud, are what they look like.
+// Other reparse points, such as files kept in a cloud, are what they look like. Wine does not tell the tag; there they
+// are links.
 bool IsLink(const WIN32_FIND_DATAW& found) noexcept
 {
+    constexpr DWORD kTags[] = {0, IO_REPARSE_TAG_SYMLINK, IO_REPARSE_TAG_MOUNT_POINT};
     return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+           std::find(std::begin(kTags), std::end(kTags), found.dwReserved0) != std::end(kTags);
 }
 
 bool FindOne(const NativePath& path, WIN32_FIND_DATAW& found) noexcept
@@ -99,7 +102,7 @@ bool IsDots(const wchar_t* name) noexcept
     return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
 }
 
-// To the system a link to a folder is a folder.
+// To the system a link to a folder is a folder. Wine, which tells no tag, would remove the one that it leads to.
 bool DeleteName(const NativePath& path) noexcept
 {
     if (DeleteFileW(path.c_str()) != FALSE)
@@ -107,9 +110,9 @@ bool DeleteName(const NativePath& path) noexcept
         return true;
     }
     const DWORD error = GetLastError();
-    const DWORD attributes = error == ERROR_ACCESS_DENIED ? GetFileAttributesW(path.c_str()) : INVALID_FILE_ATTRIBUTES;
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-        IsLinkAt(path, attributes))
+    WIN32_FIND_DATAW found = {};
+    if (error == ERROR_ACCESS_DENIED && FindOne(path, found) && IsLink(found) && found.dwReserved0 != 0 &&
+        (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
     {
         return RemoveDirectoryW(path.c_str()) != FALSE;
     }
