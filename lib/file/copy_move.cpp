@@ -52,8 +52,9 @@ SystemError CopyBytes(FileHandle from, TemporaryFile& to)
     }
 }
 
-SystemError Copy(const NativePath& from, NativePath to, bool overwrite, Retrier& retrier)
+SystemError Copy(const NativePath& from, const NativePath& target, bool overwrite, Retrier& retrier)
 {
+    NativePath to = target;
     OpenedFile source;
     SystemError error = retrier.Run(
         from, [&] { return sys::Open(from, sys::Access::Read, sys::Creation::OpenExisting, source.handle); });
@@ -74,18 +75,18 @@ SystemError Copy(const NativePath& from, NativePath to, bool overwrite, Retrier&
     {
         return error;
     }
-    TemporaryFile target(to, retrier);
-    error = target.Create(exists ? to : from, exists);
+    TemporaryFile copy(to, retrier);
+    error = copy.Create(exists ? to : from, exists);
     if (error == 0)
     {
-        error = CopyBytes(source.handle, target);
+        error = CopyBytes(source.handle, copy);
     }
     if (error == 0)
     {
-        error = sys::CopyTimes(source.handle, target.Handle());
+        error = sys::CopyTimes(source.handle, copy.Handle());
     }
     source.Close(); // it may be the target as well
-    return error == 0 ? target.Commit(overwrite) : error;
+    return error == 0 ? copy.Commit(overwrite) : error;
 }
 
 SystemError CheckMove(const NativePath& from, const NativePath& to, bool overwrite, FileStatus& source)
@@ -134,42 +135,31 @@ SystemError Move(const NativePath& from, const NativePath& to, bool overwrite, R
     return error == 0 ? retrier.Run(from, [&] { return sys::DeleteFileOrLink(from); }) : error;
 }
 
-template <class Operation>
-FileResult WithPaths(const char* from, const char* to, const RetryPolicy& retry, Operation operation) noexcept
+using Operation = SystemError (*)(const NativePath& from, const NativePath& to, bool overwrite, Retrier& retrier);
+
+FileResult WithPaths(
+    const char* from, const char* to, bool overwrite, const RetryPolicy& retry, Operation operation) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath nativeFrom;
-            NativePath nativeTo;
-            SystemError error = ToNativePath(from, nativeFrom);
-            if (error == 0)
-            {
-                error = ToNativePath(to, nativeTo);
-            }
-            return retrier.Result(error == 0 ? operation(nativeFrom, nativeTo, retrier) : error);
-        });
+    return OnPath(from,
+                  retry,
+                  [&](const NativePath& source, Retrier& retrier)
+                  {
+                      NativePath target;
+                      const SystemError error = ToNativePath(to, target);
+                      return error == 0 ? operation(source, target, overwrite, retrier) : error;
+                  });
 }
 
 } // namespace
 
 FileResult CopyFileTo(const char* from, const char* to, bool overwrite, const RetryPolicy& retry) noexcept
 {
-    return WithPaths(from,
-                     to,
-                     retry,
-                     [overwrite](const NativePath& source, const NativePath& target, Retrier& retrier)
-                     { return Copy(source, target, overwrite, retrier); });
+    return WithPaths(from, to, overwrite, retry, Copy);
 }
 
 FileResult MoveFileTo(const char* from, const char* to, bool overwrite, const RetryPolicy& retry) noexcept
 {
-    return WithPaths(from,
-                     to,
-                     retry,
-                     [overwrite](const NativePath& source, const NativePath& target, Retrier& retrier)
-                     { return Move(source, target, overwrite, retrier); });
+    return WithPaths(from, to, overwrite, retry, Move);
 }
 
 } // namespace tsypr

@@ -2,6 +2,8 @@
 
 #include "lib/file/retrier.h"
 
+#include <utility>
+
 namespace tsypr
 {
 namespace
@@ -13,29 +15,38 @@ bool IsDirectory(const NativePath& path) noexcept
     return sys::Status(path, status) == 0 && status.kind == FileKind::Directory;
 }
 
+SystemError MakeLevel(const NativePath& path)
+{
+    const SystemError error = sys::MakeFolder(path);
+    // Somebody else may have made it meanwhile.
+    return ToFileError(error) == FileError::AlreadyExists && IsDirectory(path) ? 0 : error;
+}
+
+// Goes up to the first level that is there or can be made, and down again. Where the levels end in the path is kept in
+// a list: there may be as many as a path has characters, which no stack of a host's thread must bear.
 SystemError MakeTree(const NativePath& path)
 {
-    if (IsDirectory(path))
+    std::vector<size_t> missing;
+    NativePath level = path;
+    SystemError error = IsDirectory(level) ? 0 : MakeLevel(level);
+    while (ToFileError(error) == FileError::NotFound)
     {
-        return 0;
-    }
-    SystemError error = sys::MakeFolder(path);
-    if (ToFileError(error) == FileError::NotFound)
-    {
-        const NativePath parent = ParentOf(path);
-        if (parent.empty())
+        const NativePath parent = ParentOf(level);
+        if (parent.empty() || parent == level)
         {
             return error;
         }
-        error = MakeTree(parent);
-        if (ToFileError(error) == FileError::AlreadyExists)
-        {
-            return ToSystemError(FileError::NotADirectory);
-        }
-        error = error == 0 ? sys::MakeFolder(path) : error;
+        missing.push_back(level.size());
+        level = parent;
+        error = IsDirectory(level) ? 0 : MakeLevel(level);
     }
-    // Somebody else may have made it meanwhile.
-    return ToFileError(error) == FileError::AlreadyExists && IsDirectory(path) ? 0 : error;
+    for (; error == 0 && !missing.empty(); missing.pop_back())
+    {
+        error = MakeLevel(path.substr(0, missing.back()));
+    }
+    // A file in place of a level, unless it is the last one.
+    return ToFileError(error) == FileError::AlreadyExists && !missing.empty() ? ToSystemError(FileError::NotADirectory)
+                                                                              : error;
 }
 
 SystemError CheckRealDirectory(const NativePath& path) noexcept
@@ -45,74 +56,102 @@ SystemError CheckRealDirectory(const NativePath& path) noexcept
     return error == 0 && status.kind != FileKind::Directory ? ToSystemError(FileError::NotADirectory) : error;
 }
 
-bool IsGone(SystemError error) noexcept
-{
-    return ToFileError(error) == FileError::NotFound;
-}
-
-// Removes a folder and all in it, as far as that is possible, and keeps the first failure.
+// Removes a folder and all in it, as far as that is possible, and keeps the first failure. The folders that it is in
+// are a list and no recursion, for the same reason.
 class TreeRemoval
 {
 public:
-    explicit TreeRemoval(Retrier& retrier) noexcept : m_retrier(retrier) {}
+    TreeRemoval(NativePath root, Retrier& retrier) : m_retrier(retrier), m_path(std::move(root)) {}
 
-    SystemError FirstError() const noexcept
+    // Returns the first failure.
+    SystemError Run()
     {
+        Enter();
+        while (!m_levels.empty())
+        {
+            std::vector<NativePath>& folders = m_levels.back().folders;
+            if (folders.empty())
+            {
+                Leave();
+                continue;
+            }
+            m_path = JoinPath(m_path, folders.back());
+            folders.pop_back();
+            Enter();
+        }
         return m_firstError;
     }
 
-    // Returns whether nothing is left.
-    bool Remove(const NativePath& folder)
+private:
+    struct Level
     {
-        // On Windows a file may go on being listed for a moment after its deletion, when others have it open.
+        size_t pathLength = 0;
+        std::vector<NativePath> folders; // in it, and not entered yet
+        bool emptied = true;             // as far as we got
         uint32_t pause = 1;
-        SystemError error = 0;
-        do
-        {
-            if (!RemoveEntries(folder))
-            {
-                return false;
-            }
-            error = m_retrier.Run(folder, [&] { return sys::DeleteEmptyFolder(folder); });
-        } while (ToFileError(error) == FileError::NotEmpty && m_retrier.Pause(error, pause));
-        return Note(error);
+    };
+
+    void Enter()
+    {
+        m_levels.emplace_back().pathLength = m_path.size();
+        RemoveFiles();
     }
 
-private:
-    bool RemoveEntries(const NativePath& folder)
+    void RemoveFiles()
     {
+        Level& level = m_levels.back();
         std::vector<sys::Entry> entries;
-        const SystemError error = m_retrier.Run(folder,
+        const SystemError error = m_retrier.Run(m_path,
                                                 [&]
                                                 {
                                                     entries.clear();
-                                                    return sys::List(folder, {}, entries);
+                                                    return sys::List(m_path, {}, entries);
                                                 });
-        bool removed = Note(error);
-        for (const sys::Entry& entry : entries)
+        level.emptied = Note(error);
+        for (sys::Entry& entry : entries)
         {
-            removed = RemoveEntry(JoinPath(folder, entry.name), entry) && removed;
+            if (entry.status.kind == FileKind::Directory)
+            {
+                level.folders.push_back(std::move(entry.name));
+                continue;
+            }
+            const NativePath path = JoinPath(m_path, entry.name);
+            if (entry.status.readOnly)
+            {
+                sys::ClearReadOnly(path);
+            }
+            level.emptied = Note(m_retrier.Run(path, [&] { return sys::DeleteFileOrLink(path); })) && level.emptied;
         }
-        return removed;
     }
 
-    bool RemoveEntry(const NativePath& path, const sys::Entry& entry)
+    // Removes the innermost folder, when nothing is left in it.
+    void Leave()
     {
-        if (entry.status.kind == FileKind::Directory)
+        Level& level = m_levels.back();
+        if (level.emptied)
         {
-            return Remove(path);
+            const SystemError error = m_retrier.Run(m_path, [&] { return sys::DeleteEmptyFolder(m_path); });
+            // On Windows a file may go on being listed for a moment after its deletion, when others have it open.
+            if (ToFileError(error) == FileError::NotEmpty && m_retrier.Pause(error, level.pause))
+            {
+                RemoveFiles();
+                return;
+            }
+            level.emptied = Note(error);
         }
-        if (entry.status.readOnly)
+        const bool emptied = level.emptied;
+        m_levels.pop_back();
+        if (!m_levels.empty())
         {
-            sys::ClearReadOnly(path);
+            m_levels.back().emptied = emptied && m_levels.back().emptied;
+            m_path.resize(m_levels.back().pathLength);
         }
-        return Note(m_retrier.Run(
-            path, [&] { return entry.isFolderLink ? sys::DeleteEmptyFolder(path) : sys::DeleteFileOrLink(path); }));
     }
 
+    // Returns whether there was no failure.
     bool Note(SystemError error) noexcept
     {
-        if (error == 0 || IsGone(error))
+        if (error == 0 || ToFileError(error) == FileError::NotFound)
         {
             return true;
         }
@@ -121,6 +160,8 @@ private:
     }
 
     Retrier& m_retrier;
+    NativePath m_path; // of the innermost level
+    std::vector<Level> m_levels;
     SystemError m_firstError = 0;
 };
 
@@ -154,13 +195,7 @@ FileResult RemoveDirectoryTree(const char* path, const RetryPolicy& retry) noexc
                   [](const NativePath& native, Retrier& retrier)
                   {
                       const SystemError error = CheckRealDirectory(native);
-                      if (error != 0)
-                      {
-                          return error;
-                      }
-                      TreeRemoval removal(retrier);
-                      removal.Remove(native);
-                      return removal.FirstError();
+                      return error != 0 ? error : TreeRemoval(native, retrier).Run();
                   });
 }
 

@@ -6,6 +6,7 @@
 
 namespace tsypr
 {
+
 FileFaultPlan::FileFaultPlan() noexcept : FileFaultHook{&FileFaultPlan::Ask}
 {
     SetFileFaultHook(this);
@@ -18,12 +19,7 @@ FileFaultPlan::~FileFaultPlan()
 
 void FileFaultPlan::Fail(FileOperation operation, uint32_t systemError, unsigned nth, unsigned count)
 {
-    Rule rule;
-    rule.operation = operation;
-    rule.nth = nth;
-    rule.count = count;
-    rule.systemError = systemError;
-    Add(rule);
+    Add({.operation = operation, .nth = nth, .count = count, .systemError = systemError});
 }
 
 void FileFaultPlan::Fail(FileOperation operation, FileError error, unsigned nth, unsigned count)
@@ -33,22 +29,12 @@ void FileFaultPlan::Fail(FileOperation operation, FileError error, unsigned nth,
 
 void FileFaultPlan::Shorten(FileOperation operation, size_t bytes, unsigned nth, unsigned count)
 {
-    Rule rule;
-    rule.operation = operation;
-    rule.nth = nth;
-    rule.count = count;
-    rule.most = bytes;
-    Add(rule);
+    Add({.operation = operation, .nth = nth, .count = count, .most = bytes});
 }
 
 void FileFaultPlan::Call(FileOperation operation, void (*function)(void*), void* context, unsigned nth)
 {
-    Rule rule;
-    rule.operation = operation;
-    rule.nth = nth;
-    rule.function = function;
-    rule.context = context;
-    Add(rule);
+    Add({.operation = operation, .nth = nth, .function = function, .context = context});
 }
 
 void FileFaultPlan::Add(const Rule& rule)

@@ -74,19 +74,12 @@ FileResult File::Open(const char* path, FileAccess access, FileCreation creation
     {
         return InvalidArgument();
     }
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath native;
-            SystemError error = ToNativePath(path, native);
-            if (error == 0)
-            {
-                error = retrier.Run(native,
-                                    [&] { return sys::Open(native, ToSystem(access), ToSystem(creation), m_handle); });
-            }
-            return retrier.Result(error);
-        });
+    return OnPath(path,
+                  retry,
+                  [&](const NativePath& native, Retrier& retrier) {
+                      return retrier.Run(
+                          native, [&] { return sys::Open(native, ToSystem(access), ToSystem(creation), m_handle); });
+                  });
 }
 
 FileResult File::Read(void* buffer, size_t length, size_t& read) noexcept

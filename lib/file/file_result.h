@@ -42,6 +42,14 @@ struct FileResult
     }
 };
 
+// A failure that the system has no code for.
+constexpr FileResult Failure(FileError error) noexcept
+{
+    FileResult result;
+    result.error = error;
+    return result;
+}
+
 // "disk full", "in use by another process" and the like, for messages. Never null.
 const char* FileErrorText(FileError error) noexcept;
 

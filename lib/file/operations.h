@@ -58,8 +58,8 @@ FileResult CopyFileTo(const char* from, const char* to, bool overwrite, const Re
 // directory. A directory never replaces anything: AlreadyExists. It cannot be moved into itself.
 FileResult MoveFileTo(const char* from, const char* to, bool overwrite, const RetryPolicy& retry = {}) noexcept;
 
-// Removes a file or a link, not what it leads to. A file that is missing is NotFound, a read-only one AccessDenied, on
-// every system; a directory is IsADirectory.
+// Removes a file or a link, not what it leads to; on Windows a link or junction to a directory, too. A file that is
+// missing is NotFound, a read-only one AccessDenied, on every system; a directory is IsADirectory.
 FileResult RemoveFile(const char* path, const RetryPolicy& retry = {}) noexcept;
 
 // One level; AlreadyExists when it, or a file of that name, is there already.
@@ -74,7 +74,8 @@ FileResult RemoveEmptyDirectory(const char* path, const RetryPolicy& retry = {})
 
 // A directory with everything in it, read-only files too, links as links. Goes on past what cannot be removed and
 // returns the first failure. What vanishes meanwhile is no failure. NotADirectory for a file or a link. Not for folders
-// in which somebody with fewer rights could put links while it runs.
+// in which somebody with fewer rights could put links while it runs. However deep it is, a thread's stack does not
+// matter; what lies deeper than the system's longest path cannot be named and stays: NameTooLong.
 FileResult RemoveDirectoryTree(const char* path, const RetryPolicy& retry = {}) noexcept;
 
 // The entries sorted by name, byte by byte, without "." and ".."; links as links. Empty when it fails. A name that is

@@ -7,10 +7,18 @@ namespace tsypr
 namespace
 {
 
-SystemError Replace(const NativePath& target, std::string_view contents, Retrier& retrier)
+SystemError Replace(NativePath target, std::string_view contents, Retrier& retrier)
 {
+    if (contents.data() == nullptr && !contents.empty())
+    {
+        return ToSystemError(FileError::InvalidArgument);
+    }
     bool exists = false;
-    SystemError error = retrier.Run(target, [&] { return CheckReplaceable(target, exists); });
+    SystemError error = sys::FollowLinks(target);
+    if (error == 0)
+    {
+        error = retrier.Run(target, [&] { return CheckReplaceable(target, exists); });
+    }
     if (error != 0)
     {
         return error;
@@ -28,22 +36,10 @@ SystemError Replace(const NativePath& target, std::string_view contents, Retrier
 
 FileResult ReplaceFileContents(const char* path, std::string_view contents, const RetryPolicy& retry) noexcept
 {
-    return Guarded(
-        [&]
-        {
-            Retrier retrier(retry);
-            NativePath target;
-            SystemError error = ToNativePath(path, target);
-            if (error == 0 && contents.data() == nullptr && !contents.empty())
-            {
-                error = ToSystemError(FileError::InvalidArgument);
-            }
-            if (error == 0)
-            {
-                error = sys::FollowLinks(target);
-            }
-            return retrier.Result(error == 0 ? Replace(target, contents, retrier) : error);
-        });
+    return OnPath(path,
+                  retry,
+                  [contents](const NativePath& target, Retrier& retrier)
+                  { return Replace(target, contents, retrier); });
 }
 
 } // namespace tsypr

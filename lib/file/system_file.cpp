@@ -1,9 +1,33 @@
 #include "lib/file/system_file.h"
 
-namespace tsypr::sys
+namespace tsypr
 {
 
-SystemError WriteAll(FileHandle handle, const void* bytes, size_t length) noexcept
+FileError ToFileError(SystemError error) noexcept
+{
+    for (const ErrorMeaning& meaning : ErrorMeanings())
+    {
+        if (meaning.code == error)
+        {
+            return meaning.error;
+        }
+    }
+    return FileError::Other;
+}
+
+SystemError ToSystemError(FileError error) noexcept
+{
+    for (const ErrorMeaning& meaning : ErrorMeanings())
+    {
+        if (meaning.error == error)
+        {
+            return meaning.code;
+        }
+    }
+    return ErrorMeanings().back().code;
+}
+
+SystemError sys::WriteAll(FileHandle handle, const void* bytes, size_t length) noexcept
 {
     const auto* next = static_cast<const char*>(bytes);
     while (length != 0)
@@ -24,4 +48,4 @@ SystemError WriteAll(FileHandle handle, const void* bytes, size_t length) noexce
     return 0;
 }
 
-} // namespace tsypr::sys
+} // namespace tsypr

@@ -7,6 +7,7 @@
 #include "lib/file/native_path.h"
 #include "lib/file/operations.h"
 
+#include <span>
 #include <vector>
 
 namespace tsypr
@@ -19,6 +20,16 @@ inline constexpr FileHandle kNoFile = -1;
 // What a system error means to callers, and the system's error for a meaning.
 FileError ToFileError(SystemError error) noexcept;
 SystemError ToSystemError(FileError error) noexcept;
+
+struct ErrorMeaning
+{
+    SystemError code;
+    FileError error;
+};
+
+// The system's errors that mean something to callers. The first row of a meaning is the code that stands for it, the
+// last row what stands for all else.
+std::span<const ErrorMeaning> ErrorMeanings() noexcept;
 
 } // namespace tsypr
 
@@ -83,6 +94,8 @@ SystemError FlushRename(FileHandle handle, const NativePath& folder) noexcept;
 SystemError CopyTimes(FileHandle from, FileHandle to) noexcept;
 
 SystemError Rename(const NativePath& from, const NativePath& to, bool overwrite);
+
+// A link goes, to whatever it leads, and not that.
 SystemError DeleteFileOrLink(const NativePath& path) noexcept;
 SystemError DeleteEmptyFolder(const NativePath& path) noexcept;
 SystemError MakeFolder(const NativePath& path) noexcept;
@@ -103,7 +116,6 @@ struct Entry
 {
     NativePath name;
     FileStatus status;
-    bool isFolderLink = false; // deleted as a folder is, but not entered
 };
 
 // The entries whose names begin with `prefix`, in no order, without "." and "..".

@@ -1,16 +1,15 @@
 #include "lib/file/system_file.h"
 
 #include "lib/file/system_call_windows.h"
+#include "lib/misc/file_time_windows.h"
 
-#include <new>
+#include <algorithm>
+#include <iterator>
 
 namespace tsypr::sys
 {
 namespace
 {
-
-constexpr int64_t kTicksPerMillisecond = 10'000;
-constexpr int64_t kTicksTo1970 = 116'444'736'000'000'000;
 
 struct CloseFind
 {
@@ -24,20 +23,21 @@ using UniqueFind = std::unique_ptr<void, CloseFind>;
 FileStatus ToStatus(DWORD attributes, bool isLink, FILETIME modified, DWORD sizeHigh, DWORD sizeLow) noexcept
 {
     const bool directory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    const auto ticks = static_cast<int64_t>((uint64_t{modified.dwHighDateTime} << 32) | modified.dwLowDateTime);
     FileStatus status;
     status.kind = isLink ? FileKind::Other : directory ? FileKind::Directory : FileKind::File;
     status.bytes = directory ? 0 : (uint64_t{sizeHigh} << 32) | sizeLow;
-    status.modifiedMs = (ticks - kTicksTo1970) / kTicksPerMillisecond;
+    status.modifiedMs = ToUtcMilliseconds(modified);
     status.readOnly = !directory && (attributes & FILE_ATTRIBUTE_READONLY) != 0; // on folders it means something else
     return status;
 }
 
-// Other reparse points, such as files kept in a cloud, are what they look like.
+// Other reparse points, such as files kept in a cloud, are what they look like. Wine does not tell the tag; there they
+// are links.
 bool IsLink(const WIN32_FIND_DATAW& found) noexcept
 {
+    constexpr DWORD kTags[] = {0, IO_REPARSE_TAG_SYMLINK, IO_REPARSE_TAG_MOUNT_POINT};
     return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           (found.dwReserved0 == IO_REPARSE_TAG_SYMLINK || found.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
+           std::find(std::begin(kTags), std::end(kTags), found.dwReserved0) != std::end(kTags);
 }
 
 bool FindOne(const NativePath& path, WIN32_FIND_DATAW& found) noexcept
@@ -102,13 +102,30 @@ bool IsDots(const wchar_t* name) noexcept
     return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
 }
 
+// To the system a link to a folder is a folder. Wine, which tells no tag, would remove the one that it leads to.
+bool DeleteName(const NativePath& path) noexcept
+{
+    if (DeleteFileW(path.c_str()) != FALSE)
+    {
+        return true;
+    }
+    const DWORD error = GetLastError();
+    WIN32_FIND_DATAW found = {};
+    if (error == ERROR_ACCESS_DENIED && FindOne(path, found) && IsLink(found) && found.dwReserved0 != 0 &&
+        (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+    {
+        return RemoveDirectoryW(path.c_str()) != FALSE;
+    }
+    SetLastError(error);
+    return false;
+}
+
 Entry ToEntry(const WIN32_FIND_DATAW& found)
 {
     Entry entry;
     entry.name = found.cFileName;
     entry.status =
         ToStatus(found.dwFileAttributes, IsLink(found), found.ftLastWriteTime, found.nFileSizeHigh, found.nFileSizeLow);
-    entry.isFolderLink = IsLink(found) && (found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return entry;
 }
 
@@ -116,7 +133,7 @@ Entry ToEntry(const WIN32_FIND_DATAW& found)
 
 SystemError DeleteFileOrLink(const NativePath& path) noexcept
 {
-    return Call(FileOperation::Delete, [&] { return DeleteFileW(path.c_str()) != FALSE; });
+    return Call(FileOperation::Delete, [&] { return DeleteName(path); });
 }
 
 SystemError DeleteEmptyFolder(const NativePath& path) noexcept

@@ -18,14 +18,11 @@ constexpr std::string_view kEnding = ".tmp";
 
 constinit std::atomic<uint32_t> g_counter{0};
 
-bool IsContinuation(NativeChar unit) noexcept
+// Whether the unit is one behind the first of a character.
+bool GoesOn(NativeChar unit) noexcept
 {
     const auto value = static_cast<uint32_t>(unit);
-#ifdef _WIN32
-    return IsLowSurrogate(value);
-#else
-    return (value & 0xC0) == 0x80;
-#endif
+    return sizeof(unit) == 1 ? IsContinuation(value) : IsLowSurrogate(value);
 }
 
 // How much a unit of a name adds to its length as UTF-8.
@@ -33,8 +30,7 @@ size_t Utf8Bytes(NativeChar unit) noexcept
 {
 #ifdef _WIN32
     const auto value = static_cast<uint32_t>(unit);
-    const bool half = IsHighSurrogate(value) || IsLowSurrogate(value);
-    return value < 0x80 ? 1 : value < 0x800 || half ? 2 : 3;
+    return value < 0x80 ? 1 : value < 0x800 || IsSurrogate(value) ? 2 : 3;
 #else
     return sizeof(unit);
 #endif
@@ -46,7 +42,7 @@ NativePath StemOf(const NativePath& name)
     size_t cut = 0; // the last place where it might end
     for (size_t at = 0; at < name.size(); ++at)
     {
-        cut = IsContinuation(name[at]) ? cut : at;
+        cut = GoesOn(name[at]) ? cut : at;
         bytes += Utf8Bytes(name[at]);
         if (bytes > kLongestStem)
         {

@@ -1,5 +1,7 @@
 #include "lib/log/line_throttle.h"
 
+#include "lib/unicode/utf16.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -14,16 +16,7 @@ namespace
 std::string_view Beginning(std::string_view text, size_t most) noexcept
 {
     text = text.substr(0, text.find_first_of("\r\n"));
-    if (text.size() <= most)
-    {
-        return text;
-    }
-    const auto continues = [&text](size_t place) { return (static_cast<unsigned char>(text[place]) & 0xC0U) == 0x80U; };
-    while (most != 0 && continues(most))
-    {
-        --most;
-    }
-    return text.substr(0, most);
+    return text.size() <= most ? text : text.substr(0, WholeCharacters(text.data(), most));
 }
 
 } // namespace

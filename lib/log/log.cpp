@@ -135,7 +135,7 @@ void EndLine(TextBuffer& line) noexcept
 {
     if (line.Cut())
     {
-        line.Truncate(format::WholeCharacters(line.View().data(), line.View().size() - 1));
+        line.Truncate(WholeCharacters(line.View().data(), line.View().size() - 1));
     }
     if (line.View().back() != '\n')
     {

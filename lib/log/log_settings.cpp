@@ -2,29 +2,8 @@
 
 #include "lib/log/log.h"
 
-#include <charconv>
-#include <string_view>
-#include <system_error>
-
 namespace tsypr
 {
-namespace
-{
-
-uint32_t ReadNumber(const Dictionary& settings, const char* key, uint32_t otherwise, uint32_t most) noexcept
-{
-    const char* text = settings.Get(key);
-    if (text == nullptr)
-    {
-        return otherwise;
-    }
-    const std::string_view digits = text;
-    uint32_t number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    return error == std::errc() && end == digits.data() + digits.size() && number <= most ? number : otherwise;
-}
-
-} // namespace
 
 LogSettings ReadLogSettings(const Dictionary& settings) noexcept
 {
@@ -33,12 +12,12 @@ LogSettings ReadLogSettings(const Dictionary& settings) noexcept
     const int level = LogLevelFromName(settings.Get(kLogFileLevelKey));
     return {level < 0 ? kLogInfo : level,
             settings.Get(kLogFileNameKey),
-            ReadNumber(settings, kLogOwnFileKey, 0, 1) != 0,
-            ReadNumber(settings, kLogRotateBytesKey, 10 * 1024 * 1024, UINT32_MAX),
-            ReadNumber(settings, kLogKeepRotatedKey, 5, kMostRotated),
-            ReadNumber(settings, kLogKeepFilesKey, 50, UINT32_MAX),
-            ReadNumber(settings, kLogThrottleLinesKey, 500, UINT32_MAX),
-            ReadNumber(settings, kLogThrottleSecondsKey, 10, kMostSeconds)};
+            settings.GetUint32(kLogOwnFileKey, 0, 0, 1) != 0,
+            settings.GetUint32(kLogRotateBytesKey, 10 * 1024 * 1024),
+            settings.GetUint32(kLogKeepRotatedKey, 5, 0, kMostRotated),
+            settings.GetUint32(kLogKeepFilesKey, 50),
+            settings.GetUint32(kLogThrottleLinesKey, 500),
+            settings.GetUint32(kLogThrottleSecondsKey, 10, 0, kMostSeconds)};
 }
 
 } // namespace tsypr

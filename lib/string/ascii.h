@@ -1,4 +1,4 @@
-// Letters without a locale: names of levels and switches are ASCII.
+// Letters and blanks without a locale: names of levels, keys and switches are ASCII.
 #ifndef TESSARY_LIB_STRING_ASCII_H
 #define TESSARY_LIB_STRING_ASCII_H
 
@@ -21,6 +21,15 @@ constexpr bool EqualsIgnoringCase(std::string_view first, std::string_view secon
                       second.begin(),
                       second.end(),
                       [](char a, char b) { return AsciiLower(a) == AsciiLower(b); });
+}
+
+// The text without the blanks and line ends around it.
+constexpr std::string_view Trimmed(std::string_view text) noexcept
+{
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const size_t first = text.find_first_not_of(kBlanks);
+    return first == std::string_view::npos ? std::string_view{}
+                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 } // namespace tsypr

@@ -27,11 +27,11 @@ FileResult SaveDictionary(const char* path, const Dictionary& dictionary) noexce
     std::string text;
     if (!dictionary.Save(text))
     {
-        return {.error = FileError::InvalidArgument};
+        return Failure(FileError::InvalidArgument);
     }
     if (text.size() > kMaxKeyValueFileBytes)
     {
-        return {.error = FileError::TooLarge};
+        return Failure(FileError::TooLarge);
     }
     return ReplaceFileContents(path, text);
 }

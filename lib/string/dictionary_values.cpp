@@ -12,12 +12,8 @@ namespace
 
 std::string_view TextOf(const Dictionary& dictionary, std::string_view key) noexcept
 {
-    constexpr std::string_view kBlanks = " \t\r\n";
     const char* found = dictionary.Get(key);
-    const std::string_view text = found != nullptr ? found : "";
-    const size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+    return Trimmed(found != nullptr ? found : "");
 }
 
 // Reads all of the text as a number; from_chars itself takes no "+" and no "0x".

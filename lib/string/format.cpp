@@ -146,7 +146,7 @@ size_t FormatFixedV(char* buffer, size_t capacity, const char* format, va_list a
     FormatTo(out, format, arguments);
     if (out.Cut())
     {
-        out.Truncate(format::WholeCharacters(buffer, out.View().size()));
+        out.Truncate(WholeCharacters(buffer, out.View().size()));
     }
     buffer[out.View().size()] = '\0';
     return out.View().size();

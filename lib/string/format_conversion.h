@@ -111,9 +111,6 @@ void AppendNumber(TextBuffer& out,
                   size_t zeros,
                   std::string_view digits) noexcept;
 
-// The longest start of `text` of at most `length` bytes that ends between two characters.
-size_t WholeCharacters(const char* text, size_t length) noexcept;
-
 } // namespace tsypr::format
 
 #endif

@@ -113,24 +113,6 @@ void AppendWideText(TextBuffer& out, const Utf16Unit* text) noexcept
     }
 }
 
-size_t WholeCharacters(const char* text, size_t length) noexcept
-{
-    size_t end = length;
-    size_t back = 0;
-    while (end > 0 && back < kMaxUtf8Bytes && (static_cast<unsigned char>(text[end - 1]) & 0xC0) == 0x80)
-    {
-        --end;
-        ++back;
-    }
-    if (end == 0)
-    {
-        return length; // no lead byte in reach: not UTF-8, leave it as it is
-    }
-    const auto lead = static_cast<unsigned char>(text[end - 1]);
-    const size_t need = lead >= 0xF0 ? 4 : (lead >= 0xE0 ? 3 : (lead >= 0xC0 ? 2 : 1));
-    return need > back + 1 ? end - 1 : length;
-}
-
 void FormatText(TextBuffer& out, const Conversion& conversion, const void* value) noexcept
 {
     const char* text = value != nullptr ? static_cast<const char*>(value) : kNullText.data();

@@ -1,5 +1,6 @@
 #include "lib/string/key_value_text.h"
 
+#include "lib/string/ascii.h"
 #include "lib/unicode/codeset.h"
 
 #include <algorithm>
@@ -10,14 +11,6 @@ namespace
 {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kBlanks = " \t\r";
-
-std::string_view Trim(std::string_view text) noexcept
-{
-    const size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view{}
-                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
 
 bool IsControl(char c) noexcept
 {
@@ -191,7 +184,7 @@ bool KeyValueReader::Next()
     {
         line.remove_suffix(1);
     }
-    m_kind = ParseLine(Trim(line));
+    m_kind = ParseLine(Trimmed(line));
     return true;
 }
 
@@ -209,8 +202,8 @@ LineKind KeyValueReader::ParseLine(std::string_view line)
     {
         return LineKind::Damaged;
     }
-    m_key = Trim(line.substr(0, equals));
-    m_quoted = Trim(line.substr(equals + 1));
+    m_key = Trimmed(line.substr(0, equals));
+    m_quoted = Trimmed(line.substr(equals + 1));
     const bool whole = IsWritableKey(m_key) && Unquote(m_quoted, m_value);
     return whole && line.find('\0') == std::string_view::npos && CodeSet_IsUtf8(line) ? LineKind::Setting
                                                                                       : LineKind::Damaged;
@@ -218,9 +211,9 @@ LineKind KeyValueReader::ParseLine(std::string_view line)
 
 bool IsWritableKey(std::string_view key) noexcept
 {
-    return !key.empty() && Trim(key).size() == key.size() && key.front() != '#' && !key.starts_with(kByteOrderMark) &&
-           key.find('=') == std::string_view::npos && std::none_of(key.begin(), key.end(), IsControl) &&
-           CodeSet_IsUtf8(key);
+    return !key.empty() && Trimmed(key).size() == key.size() && key.front() != '#' &&
+           !key.starts_with(kByteOrderMark) && key.find('=') == std::string_view::npos &&
+           std::none_of(key.begin(), key.end(), IsControl) && CodeSet_IsUtf8(key);
 }
 
 void AppendQuotedValue(std::string& out, std::string_view value)

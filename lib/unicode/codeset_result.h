@@ -44,6 +44,7 @@ struct CodeSetResult
     {
         return Ok() && replacements == 0;
     }
+    bool operator==(const CodeSetResult&) const = default;
 };
 
 } // namespace tsypr

@@ -61,7 +61,7 @@ Unit DecodeOne(UINT page, std::string_view text, wchar_t (&to)[2], size_t& writt
 Unit EncodeOne(UINT page, Utf16View text, char (&to)[4], size_t& written) noexcept
 {
     size_t length = 1;
-    if (utf::IsSurrogate(text[0]))
+    if (IsSurrogate(text[0]))
     {
         DecodeUtf16(text[0], text.size() > 1 ? text[1] : 0, length);
         if (length == 1)

@@ -30,41 +30,13 @@ template <class From, class To>
 inline constexpr size_t kMostUnits = sizeof(To) == 1 ? (sizeof(From) == 2 ? 3 : 4)
                                                      : (sizeof(To) == 2 && sizeof(From) == 4 ? 2 : 1);
 
-constexpr bool IsSurrogate(uint32_t unit) noexcept
-{
-    return (unit & 0xFFFFF800U) == 0xD800;
-}
-
 // Writes a code point, which may be a lone surrogate; returns where the next one goes.
 template <class To>
 inline To* Put(uint32_t codePoint, To* to) noexcept
 {
     if constexpr (sizeof(To) == 1)
     {
-        const auto put = [to](size_t i, uint32_t byte) { to[i] = static_cast<To>(static_cast<unsigned char>(byte)); };
-        if (codePoint < 0x80)
-        {
-            put(0, codePoint);
-            return to + 1;
-        }
-        if (codePoint < 0x800)
-        {
-            put(0, 0xC0 | (codePoint >> 6));
-            put(1, 0x80 | (codePoint & 0x3F));
-            return to + 2;
-        }
-        if (codePoint < 0x10000)
-        {
-            put(0, 0xE0 | (codePoint >> 12));
-            put(1, 0x80 | ((codePoint >> 6) & 0x3F));
-            put(2, 0x80 | (codePoint & 0x3F));
-            return to + 3;
-        }
-        put(0, 0xF0 | (codePoint >> 18));
-        put(1, 0x80 | ((codePoint >> 12) & 0x3F));
-        put(2, 0x80 | ((codePoint >> 6) & 0x3F));
-        put(3, 0x80 | (codePoint & 0x3F));
-        return to + 4;
+        return PutUtf8(codePoint, to);
     }
     else if (sizeof(To) == 4 || codePoint < 0x10000)
     {
@@ -131,11 +103,6 @@ inline void CopyAscii(const From*& from, const From* end, To*& to) noexcept
     {
         *to++ = static_cast<To>(*from++);
     }
-}
-
-constexpr bool IsContinuation(uint32_t byte) noexcept
-{
-    return (byte & 0xC0) == 0x80;
 }
 
 // Bytes at `from` that are no character: the maximal subpart.
@@ -241,87 +208,76 @@ inline void CopyThreeByte(const Utf16Unit*& from, const Utf16Unit* end, char*& t
 
 inline void CopyThreeByte(const Utf16Unit*&, const Utf16Unit*, char32_t*&) noexcept {}
 
+// Takes the character at `from`, which is not one of those that the loops above copy; false, with `from` where it was,
+// when there is none.
+inline bool Take(const char*& from, const char* end, uint32_t& codePoint, Halt& halt) noexcept
+{
+    const char* const start = from;
+    if (TakeUtf8(from, end, codePoint))
+    {
+        return true;
+    }
+    from = start;
+    halt = MeasureBadUtf8(from, end);
+    return false;
+}
+
+inline bool Take(const Utf16Unit*& from, const Utf16Unit* end, uint32_t& codePoint, Halt& halt) noexcept
+{
+    codePoint = *from;
+    if (IsSurrogate(codePoint))
+    {
+        const bool last = from + 1 == end;
+        if (!IsHighSurrogate(codePoint) || last || !IsLowSurrogate(from[1]))
+        {
+            halt = {IsHighSurrogate(codePoint) && last ? Stop::Cut : Stop::IllFormed, 1};
+            return false;
+        }
+        codePoint = JoinSurrogates(codePoint, from[1]);
+        ++from;
+    }
+    ++from;
+    return true;
+}
+
+inline bool Take(const char32_t*& from, const char32_t* /*end*/, uint32_t& codePoint, Halt& halt) noexcept
+{
+    codePoint = *from;
+    if (codePoint > 0x10FFFF || IsSurrogate(codePoint))
+    {
+        halt = {Stop::IllFormed, 1};
+        return false;
+    }
+    ++from;
+    return true;
+}
+
 // Converts well-formed text from `from` to `to`, which must have room for kMostUnits of every unit. Both stand behind
 // the last whole character afterwards.
-template <class To>
-inline Halt Scan(const char*& fromHere, const char* end, To*& toHere) noexcept
+template <class From, class To>
+inline Halt Scan(const From*& fromHere, const From* end, To*& toHere) noexcept
 {
-    const char* from = fromHere; // copies that need not be in memory while the loop runs
+    const From* from = fromHere; // copies that need not be in memory while the loop runs
     To* to = toHere;
     Halt halt{Stop::End, 0};
     while (true)
     {
-        CopyAscii(from, end, to);
-        CopyThreeByte(from, end, to);
+        if constexpr (sizeof(From) < sizeof(char32_t))
+        {
+            CopyAscii(from, end, to);
+            CopyThreeByte(from, end, to);
+        }
         if (from == end)
         {
             break;
         }
-        if (static_cast<signed char>(*from) >= 0)
+        if (sizeof(From) == 1 && static_cast<uint32_t>(*from) < 0x80)
         {
             continue;
         }
-        const char* const start = from;
         uint32_t codePoint = 0;
-        if (!TakeUtf8(from, end, codePoint))
+        if (!Take(from, end, codePoint, halt))
         {
-            from = start;
-            halt = MeasureBadUtf8(from, end);
-            break;
-        }
-        to = Put(codePoint, to);
-    }
-    fromHere = from;
-    toHere = to;
-    return halt;
-}
-
-template <class To>
-inline Halt Scan(const Utf16Unit*& fromHere, const Utf16Unit* end, To*& toHere) noexcept
-{
-    const Utf16Unit* from = fromHere;
-    To* to = toHere;
-    Halt halt{Stop::End, 0};
-    while (true)
-    {
-        CopyAscii(from, end, to);
-        CopyThreeByte(from, end, to);
-        if (from == end)
-        {
-            break;
-        }
-        uint32_t codePoint = *from;
-        if (IsSurrogate(codePoint))
-        {
-            const bool last = from + 1 == end;
-            if (!IsHighSurrogate(codePoint) || last || !IsLowSurrogate(from[1]))
-            {
-                halt = {IsHighSurrogate(codePoint) && last ? Stop::Cut : Stop::IllFormed, 1};
-                break;
-            }
-            codePoint = (codePoint << 10) + from[1] - ((0xD800U << 10) + 0xDC00 - 0x10000);
-            ++from;
-        }
-        ++from;
-        to = Put(codePoint, to);
-    }
-    fromHere = from;
-    toHere = to;
-    return halt;
-}
-
-template <class To>
-inline Halt Scan(const char32_t*& fromHere, const char32_t* end, To*& toHere) noexcept
-{
-    const char32_t* from = fromHere;
-    To* to = toHere;
-    Halt halt{Stop::End, 0};
-    for (; from != end; ++from)
-    {
-        const uint32_t codePoint = *from;
-        if (codePoint > 0x10FFFF || IsSurrogate(codePoint))
-        {
-            halt = {Stop::IllFormed, 1};
             break;
         }
         to = Put(codePoint, to);

@@ -2,6 +2,7 @@
 
 #include "lib/file/operations.h"
 #include "lib/unicode/codeset.h"
+#include "lib/user/registry_text_windows.h"
 
 #include <windows.h>
 
@@ -14,24 +15,6 @@ constexpr wchar_t kProductKey[] = L"Software\\Zelmora\\Tessary";
 constexpr wchar_t kAppDataValue[] = L"AppDataPath";
 constexpr wchar_t kProfileListKey[] = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
 constexpr wchar_t kProductFolder[] = L"\\Zelmora\\Tessary";
-
-// A registry text without its terminator, variables in it replaced; false when there is none or it is longer than any
-// path.
-bool ReadRegistryText(const wchar_t* subkey, const wchar_t* name, std::wstring& text)
-{
-    constexpr size_t kMostUnits = 32768;
-    LSTATUS status = ERROR_MORE_DATA;
-    // The first room does for nearly every path. What the system asks for may leave out the replaced variables.
-    for (size_t units = MAX_PATH; status == ERROR_MORE_DATA && units <= kMostUnits; units *= 2)
-    {
-        text.resize(units);
-        auto bytes = static_cast<DWORD>(units * sizeof(wchar_t));
-        status = RegGetValueW(
-            HKEY_LOCAL_MACHINE, subkey, name, RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY, nullptr, text.data(), &bytes);
-    }
-    text.resize(status == ERROR_SUCCESS ? wcsnlen(text.data(), text.size()) : 0);
-    return !text.empty();
-}
 
 // Without separators at the end, except of a root: "D:" alone would be the current directory there.
 void DropLastSeparators(std::wstring& path)
@@ -67,7 +50,7 @@ void AppendProductFolder(std::wstring& path)
 // a host starts us without an environment, the registry knows it.
 bool ReadCommonFolder(std::wstring& path)
 {
-    if (!ReadEnvironment(L"ProgramData", path) && !ReadRegistryText(kProfileListKey, L"ProgramData", path))
+    if (!ReadEnvironment(L"ProgramData", path) && !ReadMachineText(kProfileListKey, L"ProgramData", path))
     {
         return false;
     }
@@ -94,7 +77,7 @@ bool W32Util_GetTessaryCommonAppDataFilePath(const char* relative, std::string& 
     try
     {
         std::wstring directory;
-        if (!ReadRegistryText(kProductKey, kAppDataValue, directory) && !ReadCommonFolder(directory))
+        if (!ReadMachineText(kProductKey, kAppDataValue, directory) && !ReadCommonFolder(directory))
         {
             return false;
         }

@@ -13,13 +13,6 @@ namespace tsypr
 namespace
 {
 
-FileResult Failure(FileError error) noexcept
-{
-    FileResult result;
-    result.error = error;
-    return result;
-}
-
 // Lines of UTF-8 in a file of UTF-16 would damage it for everybody.
 bool IsUtf16(std::string_view text) noexcept
 {

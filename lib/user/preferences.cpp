@@ -29,13 +29,6 @@ constinit Store g_store;
 
 using StoreGuard = ScopedLock<ExclusiveLock>;
 
-FileResult Failure(FileError error) noexcept
-{
-    FileResult result;
-    result.error = error;
-    return result;
-}
-
 void Forget() noexcept
 {
     delete g_store.values;
@@ -92,11 +85,6 @@ FileResult MakeUserFolder() noexcept
 }
 
 } // namespace
-
-size_t ParsePreferences(std::string_view text, Dictionary& out) noexcept
-{
-    return out.Load(text);
-}
 
 void PreferencesStart() noexcept
 {

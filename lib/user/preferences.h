@@ -64,10 +64,6 @@ FileResult WritePreference(PreferenceScope scope,
                            uint32_t lockMs = kPreferenceLockMs) noexcept;
 FileResult RemovePreference(PreferenceScope scope, std::string_view key, uint32_t lockMs = kPreferenceLockMs) noexcept;
 
-// Reads the lines of a preference file into `out`; a later line wins. A line that is not understood is skipped; returns
-// the number of such lines.
-size_t ParsePreferences(std::string_view text, Dictionary& out) noexcept;
-
 } // namespace tsypr
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "lib/string/format.h"
 #include "lib/unicode/codeset.h"
+#include "lib/user/registry_text_windows.h"
 
 #include <windows.h>
 
@@ -26,20 +27,8 @@ void SetIfKnown(std::string& member, const wchar_t* text)
 // Of the version key; empty when it is not there.
 std::wstring ReadVersionText(const wchar_t* name)
 {
-    constexpr DWORD kCharacters = 200;
-    std::wstring text(kCharacters, L'\0');
-    DWORD bytes = kCharacters * sizeof(wchar_t);
-    if (RegGetValueW(HKEY_LOCAL_MACHINE,
-                     kVersionKey,
-                     name,
-                     RRF_RT_REG_SZ | RRF_SUBKEY_WOW6464KEY,
-                     nullptr,
-                     text.data(),
-                     &bytes) != ERROR_SUCCESS)
-    {
-        return {};
-    }
-    text.resize(wcsnlen(text.c_str(), kCharacters));
+    std::wstring text;
+    ReadMachineText(kVersionKey, name, text);
     return text;
 }
 

@@ -1,22 +1,14 @@
 // What was read can be written and read again, and so can whatever was set.
 #include "lib/string/dictionary.h"
 #include "lib/string/key_value_text.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace
 {
 
 using namespace tsypr;
-
-void Check(bool right)
-{
-    if (!right)
-    {
-        std::abort();
-    }
-}
 
 void CheckRoundTrip(const Dictionary& values)
 {

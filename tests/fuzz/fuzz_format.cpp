@@ -1,11 +1,12 @@
 // Any format over arguments that are safe for every conversion: neither buffer is left, and both agree.
 #include "lib/string/format.h"
 #include "lib/unicode/codeset.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace
 {
@@ -15,20 +16,6 @@ using namespace tsypr;
 // Texts in UTF-8 and in UTF-16 alike: behind each stand enough zeros. Some end in the middle of a character.
 alignas(8) constexpr char kTexts[][16] = {
     "abcdefgh", "\xE2\x82\xAC%s\xF0\x9F", "", "x\xC3\xA4\xC3\xA4\xC3", "a\xF0\x9F\x98"};
-
-void Check(bool right)
-{
-    if (!right)
-    {
-        std::abort();
-    }
-}
-
-bool IsUtf8(std::string_view text)
-{
-    Utf16String converted;
-    return CodeSet_Utf8ToUtf16(text, converted);
-}
 
 void Run(size_t capacity, const char* format, ...) // NOLINT(cert-dcl50-cpp)
 {
@@ -49,9 +36,9 @@ void Run(size_t capacity, const char* format, ...) // NOLINT(cert-dcl50-cpp)
     const size_t wanted = std::min(whole.size(), capacity - 1);
     Check(length == whole.size() || (length <= wanted && length + 3 >= wanted));
     // A "%c" may write any byte; nothing else may end a text inside a character.
-    if (std::strpbrk(format, "cC") == nullptr && IsUtf8(format))
+    if (std::strpbrk(format, "cC") == nullptr && CodeSet_IsUtf8(format))
     {
-        Check(IsUtf8(whole) && IsUtf8({buffer.get(), length}));
+        Check(CodeSet_IsUtf8(whole) && CodeSet_IsUtf8({buffer.get(), length}));
     }
 }
 
@@ -69,93 +56,15 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, size_t size)
     const auto exact = std::make_unique<char[]>(format.size() + 1);
     std::copy(format.begin(), format.end(), exact.get());
     exact[format.size()] = '\0';
-    const char* const a = kTexts[0];
-    const char* const b = kTexts[1];
-    const char* const c = kTexts[2];
-    const char* const d = kTexts[3];
-    const char* const e = kTexts[4];
-    const void* const none = nullptr;
-    Run(data[0],
-        exact.get(),
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        0.5,
-        -1e300,
-        5e-324,
-        123456.789,
-        1e22,
-        -0.0,
-        1.0 / 3,
-        99.995,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none,
-        a,
-        b,
-        c,
-        d,
-        e,
-        none);
+    constexpr const char* kPointers[] = {kTexts[0], kTexts[1], kTexts[2], kTexts[3], kTexts[4], nullptr};
+    constexpr double kReals[] = {0.5, -1e300, 5e-324, 123456.789, 1e22, -0.0, 1.0 / 3, 99.995};
+    const auto run = [&]<size_t... P, size_t... R, size_t... M>(
+        std::index_sequence<P...>, std::index_sequence<R...>, std::index_sequence<M...>)
+    {
+        Run(data[0], exact.get(), kPointers[P]..., kReals[R]..., kPointers[M % std::size(kPointers)]...);
+    };
+    run(std::make_index_sequence<std::size(kPointers)>(),
+        std::make_index_sequence<std::size(kReals)>(),
+        std::make_index_sequence<60>());
     return 0;
 }

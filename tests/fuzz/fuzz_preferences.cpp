@@ -1,9 +1,9 @@
 // Setting and removing a key in any text does just that and leaves all other lines byte for byte as they were.
 #include "lib/string/dictionary.h"
 #include "lib/string/key_value_text.h"
+#include "tests/fuzz/fuzz_check.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace
 {
@@ -11,14 +11,6 @@ namespace
 using namespace tsypr;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-
-void Check(bool right)
-{
-    if (!right)
-    {
-        std::abort();
-    }
-}
 
 struct Lines
 {

@@ -2,12 +2,7 @@
 #include "tools/ppdimport/atomic_file.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
 
-#include <string>
-
-#include <cstdlib>
 #include <sys/wait.h>
 
 namespace tsypr::ppdimport
@@ -25,22 +20,22 @@ protected:
     // Gives the exit code; the program's output goes to the files "out" and "err".
     int Run(const std::string& arguments) const
     {
-        const std::string folder = m_folder.Path("");
-        const std::string command = "cd '" + folder + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
+        const std::string command =
+            "cd '" + m_folder.Path("") + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
     std::string Read(const std::string& file) const
     {
-        return ReadAll(m_folder.Path(file));
+        return m_folder.Read(file);
     }
 
     const ScratchFolder m_folder;
     const std::string m_ppd = m_folder.Write("small.ppd", SmallPpd());
 };
 
-TEST_F(ImporterProgram, WritesTheSameBytesEachTimeAndOfACompressedFile)
+TEST_F(ImporterProgram, WritesTheSameBytesEachTimeAndTakesItsOptions)
 {
     EXPECT_EQ(Run("small.ppd a.json"), 0) << Read("err");
     const std::string report = Read("out");
@@ -53,11 +48,7 @@ TEST_F(ImporterProgram, WritesTheSameBytesEachTimeAndOfACompressedFile)
     ASSERT_EQ(std::system(("gzip '" + m_ppd + "'").c_str()), 0);
     EXPECT_EQ(Run("small.ppd.gz c.json"), 0) << Read("err");
     EXPECT_EQ(Read("a.json"), Read("c.json"));
-}
-
-TEST_F(ImporterProgram, TakesItsOptions)
-{
-    EXPECT_EQ(Run("--name 'My Printer' --lock color --lock compressionLevel --with-nup small.ppd a.json"), 0);
+    EXPECT_EQ(Run("--name 'My Printer' --lock color --lock compressionLevel --with-nup small.ppd.gz a.json"), 0);
     const json profile = json::parse(Read("a.json"));
     EXPECT_TRUE(profile.at("name") == "My Printer" && profile.contains("nup"));
     EXPECT_EQ(profile.at("private").at("locked").dump(), R"(["color","compressionLevel"])");
@@ -95,7 +86,7 @@ TEST(ImporterOutput, FailureLeavesNothingBehind)
     std::filesystem::create_directory(folder.Path("taken"));
     EXPECT_THROW(WriteFileAtomically(folder.Path("taken"), "text"), OutputError);
     WriteFileAtomically(folder.Write("file", "a longer old text"), "new");
-    EXPECT_EQ(ReadAll(folder.Path("file")), "new");
+    EXPECT_EQ(folder.Read("file"), "new");
     const std::filesystem::directory_iterator entries(folder.Path(""));
     EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
 }

@@ -1,62 +1,45 @@
 #ifndef TESSARY_TESTS_IMPORTER_TEST_SUPPORT_H
 #define TESSARY_TESTS_IMPORTER_TEST_SUPPORT_H
 
+#include "tests/lib/test_files.h"
 #include "tools/ppdimport/importer.h"
 #include "tools/ppdimport/ppd_model.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include <cstdlib>
-
 namespace tsypr::ppdimport
 {
 
 // A folder of its own for one test, removed with all it holds.
-class ScratchFolder
+struct ScratchFolder : test::ScratchFolder
 {
-public:
-    ScratchFolder()
-    {
-        m_path = mkdtemp(m_path.data());
-    }
-    ScratchFolder(const ScratchFolder&) = delete;
-    ScratchFolder& operator=(const ScratchFolder&) = delete;
-    ~ScratchFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
+    ScratchFolder() : test::ScratchFolder("importer") {}
 
     std::string Path(std::string_view name) const
     {
-        return m_path + "/" + std::string(name);
+        return path / name;
+    }
+
+    std::string Read(std::string_view name) const
+    {
+        std::ifstream file(path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     // Gives the path.
     std::string Write(std::string_view name, std::string_view content) const
     {
-        std::ofstream(Path(name), std::ios::binary) << content;
-        return Path(name);
+        std::ofstream(path / name, std::ios::binary) << content;
+        return path / name;
     }
-
-private:
-    std::string m_path = (std::filesystem::temp_directory_path() / "ppdimport-test-XXXXXX").string();
 };
-
-inline std::string ReadAll(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 // A small PPD file with A4 and Letter; `more` goes behind the page sizes.
 inline std::string SmallPpd(const std::string& more = "", const std::string& encoding = "ISOLatin1")

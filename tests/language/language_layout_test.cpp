@@ -7,22 +7,17 @@
 
 #include <cstddef>
 #include <cstring>
-#include <filesystem>
-#include <memory>
-#include <set>
-#include <string>
-#include <type_traits>
 #include <vector>
 
 #include "language/resource_ids.h"
+#include "tests/language/built_library.h"
 #include "tools/page_pictures/samples.h"
 
 namespace
 {
 
-template <typename Handle, typename Close>
-using Owner = std::unique_ptr<std::remove_pointer_t<Handle>, Close>;
-using Module = Owner<HMODULE, decltype([](HMODULE module) { FreeLibrary(module); })>;
+using namespace tsypr::language_tests;
+
 using Window = Owner<HWND, decltype([](HWND window) { DestroyWindow(window); })>;
 
 constexpr int kPages[] = {IDD_LAYOUT, IDD_PAPER, IDD_ADVANCED, IDD_FINISHING, IDD_WATERMARK};
@@ -34,13 +29,6 @@ constexpr int kMark = 12;
 constexpr int kListEdges = 16;
 constexpr int kButtonEdges = 6;
 constexpr int kFrameEnds = 12;
-
-std::filesystem::path LibraryPath(const std::string& code)
-{
-    std::wstring program(MAX_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-    return std::filesystem::path(program).parent_path() / ("tsyprUI_" + code + ".dll");
-}
 
 // Where the text ends that begins at the position, in bytes.
 size_t AfterText(const std::vector<std::byte>& bytes, size_t position)
@@ -186,15 +174,8 @@ void ExpectStaticFits(HWND control, LONG style, const std::wstring& text, SIZE s
 
 int BesideButtonText(LONG style)
 {
-    switch (style & BS_TYPEMASK)
-    {
-    case BS_GROUPBOX:
-        return kFrameEnds;
-    case BS_PUSHBUTTON:
-        return kButtonEdges;
-    default:
-        return kMark;
-    }
+    const LONG type = style & BS_TYPEMASK;
+    return type == BS_GROUPBOX ? kFrameEnds : type == BS_PUSHBUTTON ? kButtonEdges : kMark;
 }
 
 void ExpectControlFits(HWND page, HWND control)
@@ -238,14 +219,6 @@ Window CreateTabs(HWND page)
     return tabs;
 }
 
-void AddTab(HWND tabs, std::wstring title)
-{
-    TCITEMW item{};
-    item.mask = TCIF_TEXT;
-    item.pszText = title.data();
-    EXPECT_NE(SendMessageW(tabs, TCM_INSERTITEMW, 10, reinterpret_cast<LPARAM>(&item)), -1);
-}
-
 TEST_P(PageLayout, TextsAndPicturesAreNotCut)
 {
     for (const int scale : kScales)
@@ -262,36 +235,21 @@ TEST_P(PageLayout, TextsAndPicturesAreNotCut)
             {
                 ExpectControlFits(page.get(), control);
             }
-            AddTab(tabs.get(), TextOf(page.get()));
+            std::wstring title = TextOf(page.get());
+            TCITEMW tab{};
+            tab.mask = TCIF_TEXT;
+            tab.pszText = title.data();
+            EXPECT_NE(SendMessageW(tabs.get(), TCM_INSERTITEMW, 10, reinterpret_cast<LPARAM>(&tab)), -1);
         }
         EXPECT_EQ(SendMessageW(tabs.get(), TCM_GETROWCOUNT, 0, 0), 1) << scale << " %";
     }
 }
 
-TEST_P(PageLayout, AccessKeysAreUniqueOnEachPage)
-{
-    for (const int id : kPages)
-    {
-        const Window page = CreatePage(id, kScales[0]);
-        std::set<wchar_t> keys;
-        for (HWND control = GetWindow(page.get(), GW_CHILD); control != nullptr;
-             control = GetWindow(control, GW_HWNDNEXT))
-        {
-            const std::wstring text = TextOf(control);
-            const size_t mark = text.find(L'&');
-            EXPECT_TRUE(mark == std::wstring::npos || keys.insert(towupper(text.at(mark + 1))).second)
-                << "page " << id << " " << testing::PrintToString(text);
-        }
-        EXPECT_GE(keys.size(), 2u);
-    }
-}
-
-const auto kName = [](const testing::TestParamInfo<const char*>& library) { return std::string(library.param); };
 INSTANTIATE_TEST_SUITE_P(
     Libraries,
     PageLayout,
     testing::Values(
         "en_us_409", "de_de_407", "es_es_40a", "fr_fr_40c", "ja_jp_411", "ko_kr_412", "zh_cn_804", "zh_tw_404"),
-    kName);
+    [](const auto& library) { return std::string(library.param); });
 
 } // namespace

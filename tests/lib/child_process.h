@@ -1,9 +1,14 @@
-// This test program run once more, to be killed or waited for.
+// This test program run once more, to be killed or waited for, and other things that happen at the same time.
 #ifndef TESSARY_TESTS_LIB_CHILD_PROCESS_H
 #define TESSARY_TESTS_LIB_CHILD_PROCESS_H
 
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -18,6 +23,9 @@
 
 namespace tsypr::test
 {
+
+// What a child process does that is started with these arguments, its part being the first; its exit code.
+int RunChild(const std::vector<std::string>& arguments);
 
 // The arguments must contain neither spaces nor quotes; what is wrong with starting it is an exception.
 class ChildProcess
@@ -45,13 +53,12 @@ private:
 #endif
 };
 
-#ifdef _WIN32
-
 inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
 {
-    std::wstring program(32768, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-    std::wstring line = L'"' + program + L'"';
+#ifdef _WIN32
+    std::wstring line(32768, L'\0');
+    line.resize(GetModuleFileNameW(nullptr, line.data(), static_cast<DWORD>(line.size())));
+    line = L'"' + line + L"\" --child";
     for (const std::string& argument : arguments)
     {
         line += L' ' + std::wstring(argument.begin(), argument.end());
@@ -59,38 +66,12 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    if (CreateProcessW(
-            program.c_str(), line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) == FALSE)
-    {
-        throw std::runtime_error("cannot start this program again");
-    }
+    const bool started =
+        CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process) != FALSE;
     CloseHandle(process.hThread);
     m_process = process.hProcess;
-}
-
-inline void ChildProcess::Kill()
-{
-    if (m_process != nullptr)
-    {
-        TerminateProcess(m_process, 99);
-        Wait();
-    }
-}
-
-inline int ChildProcess::Wait()
-{
-    DWORD code = 0;
-    WaitForSingleObject(m_process, INFINITE);
-    GetExitCodeProcess(m_process, &code);
-    CloseHandle(std::exchange(m_process, nullptr));
-    return static_cast<int>(code);
-}
-
 #else
-
-inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
-{
-    std::vector<std::string> texts{"/proc/self/exe"};
+    std::vector<std::string> texts{"/proc/self/exe", "--child"};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> pointers;
     for (std::string& text : texts)
@@ -98,7 +79,9 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
         pointers.push_back(text.data());
     }
     pointers.push_back(nullptr);
-    if (posix_spawn(&m_process, pointers[0], nullptr, nullptr, pointers.data(), environ) != 0)
+    const bool started = posix_spawn(&m_process, pointers[0], nullptr, nullptr, pointers.data(), environ) == 0;
+#endif
+    if (!started)
     {
         throw std::runtime_error("cannot start this program again");
     }
@@ -106,21 +89,78 @@ inline ChildProcess::ChildProcess(const std::vector<std::string>& arguments)
 
 inline void ChildProcess::Kill()
 {
-    if (m_process != 0)
+    if (m_process != decltype(m_process){})
     {
+#ifdef _WIN32
+        TerminateProcess(m_process, 99);
+#else
         kill(m_process, SIGKILL);
+#endif
         Wait();
     }
 }
 
 inline int ChildProcess::Wait()
 {
+#ifdef _WIN32
+    DWORD code = 0;
+    WaitForSingleObject(m_process, INFINITE);
+    GetExitCodeProcess(m_process, &code);
+    CloseHandle(std::exchange(m_process, nullptr));
+    return static_cast<int>(code);
+#else
     int status = 0;
     waitpid(std::exchange(m_process, 0), &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
 }
 
-#endif
+// The program's main.
+inline int RunTestsOrChild(int argc, char** argv)
+{
+    if (argc > 2 && std::string(argv[1]) == "--child")
+    {
+        return RunChild({argv + 2, argv + argc});
+    }
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
+
+// Waits until another process has written something into the file.
+inline void WaitForContents(const std::filesystem::path& file)
+{
+    std::error_code missing;
+    for (int i = 0; i < 20'000; ++i)
+    {
+        const uintmax_t size = std::filesystem::file_size(file, missing);
+        if (!missing && size != 0)
+        {
+            return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    FAIL() << "the other process does not get on";
+}
+
+// Kills a process in the middle of its work, that long after it has acknowledged something in a file.
+inline void KillAtWork(const std::vector<std::string>& arguments, const std::filesystem::path& acknowledged, int us)
+{
+    ChildProcess child(arguments);
+    WaitForContents(acknowledged);
+    std::this_thread::sleep_for(std::chrono::microseconds(us));
+    child.Kill();
+}
+
+// Runs the body in so many threads, each with its number, and waits for them.
+template <class Body>
+void InThreads(int count, const Body& body)
+{
+    std::vector<std::jthread> threads;
+    for (int number = 0; number < count; ++number)
+    {
+        threads.emplace_back([&body, number] { body(number); });
+    }
+}
 
 } // namespace tsypr::test
 

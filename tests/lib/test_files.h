@@ -2,10 +2,23 @@
 #ifndef TESSARY_TESTS_LIB_TEST_FILES_H
 #define TESSARY_TESTS_LIB_TEST_FILES_H
 
+#include "lib/file/operations.h"
+
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <string>
 #include <vector>
+
+namespace tsypr
+{
+
+inline void PrintTo(FileError error, std::ostream* out)
+{
+    *out << FileErrorText(error);
+}
+
+} // namespace tsypr
 
 namespace tsypr::test
 {
@@ -13,7 +26,7 @@ namespace tsypr::test
 // A new empty folder below the current directory, which CTest makes the one of the build.
 struct ScratchFolder
 {
-    explicit ScratchFolder(const char* name) : path(std::filesystem::current_path() / (std::string("scratch-") + name))
+    explicit ScratchFolder(const std::string& name) : path(std::filesystem::current_path() / ("scratch-" + name))
     {
         std::filesystem::remove_all(path);
         std::filesystem::create_directories(path);
@@ -38,6 +51,18 @@ inline std::string Utf8(const std::filesystem::path& path)
 {
     const std::u8string text = path.u8string();
     return {text.begin(), text.end()};
+}
+
+// The names in a folder, one after the other with a blank behind each.
+inline std::string Names(const std::string& folder)
+{
+    std::vector<DirectoryEntry> entries;
+    std::string names = ListDirectory(folder.c_str(), entries).Ok() ? "" : "<cannot be listed>";
+    for (const DirectoryEntry& entry : entries)
+    {
+        names += entry.name + ' ';
+    }
+    return names;
 }
 
 // The lines of a log. A last line without its end is marked as such.

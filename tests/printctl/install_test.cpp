@@ -3,8 +3,8 @@
 #include <windows.h>
 #include <winspool.h>
 
+#include <algorithm>
 #include <array>
-#include <functional>
 
 namespace tsypr::printctl_tests
 {
@@ -24,32 +24,17 @@ std::vector<std::string> PrinterNames()
     return names;
 }
 
-size_t CountOf(const SystemState& state, const std::string& prefix)
-{
-    size_t count = 0;
-    for (const auto& [name, content] : state)
-    {
-        count += name.rfind(prefix, 0) == 0 ? 1u : 0u;
-    }
-    return count;
-}
-
-// The differing entries, for a readable message.
+// The names of the entries that are not the same in both, for a readable message.
 std::string Difference(const SystemState& before, const SystemState& after)
 {
-    std::string text;
-    for (const auto& [name, content] : before)
+    std::vector<SystemState::value_type> changed;
+    std::ranges::set_symmetric_difference(before, after, std::back_inserter(changed));
+    std::string names;
+    for (const auto& [name, content] : changed)
     {
-        const auto found = after.find(name);
-        text += found == after.end()       ? "lost: " + name + "\n"
-                : found->second != content ? "changed: " + name + "\n"
-                                           : "";
+        names += name + '\n';
     }
-    for (const auto& [name, content] : after)
-    {
-        text += before.count(name) == 0 ? "new: " + name + "\n" : "";
-    }
-    return text;
+    return names;
 }
 
 // Begins and ends with a system without our driver.
@@ -143,14 +128,14 @@ TEST_F(InstallTest, SecondInstallUpdatesAndStaysOne)
     ASSERT_EQ(outcome.code, 0) << outcome.error;
     EXPECT_EQ(Difference(first, ReadSystemState()).find("old"), std::string::npos) << "no copies left behind";
     const SystemState second = ReadSystemState();
-    EXPECT_EQ(CountOf(second, "driver " + std::string(kDriver)), 1u);
+    EXPECT_EQ(second.count("driver " + std::string(kDriver)), 1u);
     EXPECT_EQ(PrinterNames(), (std::vector<std::string>{"Alpha", "B\u00fcro", "Gamma"}));
     const std::string product = "file " + std::string(getenv("ProgramFiles")) + "\\Zelmora\\Tessary\\printers\\";
     EXPECT_EQ(second.count(product + "alpha.json"), 0u);
     EXPECT_EQ(second.count(product + "gamma.json"), 1u);
-    EXPECT_EQ(fs::path(QueryJson({L"printers"}).at(0).at("configFile").get<std::string>()).filename(), "tsyprui.dll");
-    const std::string configFile = QueryJson({L"printers"}).at(0).at("configFile");
-    EXPECT_EQ(fs::file_size(configFile), fs::file_size(m_driver.Path() / L"tsyprui.dll"));
+    const fs::path configFile = QueryJson({L"printers"}).at(0).at("configFile").get<std::string>();
+    EXPECT_EQ(configFile.filename(), "tsyprui.dll");
+    EXPECT_EQ(ReadText(configFile), ReadText(m_driver.Path() / L"tsyprui.dll"));
 }
 
 TEST_F(InstallTest, ReplacesLibrariesThatAProgramUses)
@@ -191,107 +176,59 @@ TEST_F(InstallTest, PrinterMayCarryASessionSuffix)
 
 struct FailingCase
 {
-    const char* name;
-    // Spoils the driver folder; may return further arguments.
-    std::function<std::vector<std::wstring>(const DriverFolder& driver)> spoil;
+    const char* spoil;                   // what becomes of the driver folder: see Spoil
+    std::vector<std::wstring> arguments; // "%" stands for the driver folder
     int code;
     const char* message;
 };
 
-using Arguments = std::vector<std::wstring>;
-
 const FailingCase kFailingCases[] = {
-    {"no driver file",
-     [](const DriverFolder& driver)
-     {
-         fs::remove(driver.Path() / L"tsyprui.dll");
-         return Arguments{};
-     },
-     4,
-     "tsyprui.dll\" is missing"},
-    {"no language folder",
-     [](const DriverFolder& driver) {
-         return Arguments{L"--language-dir", (driver.Path() / L"nowhere").wstring()};
-     },
-     4,
-     "no language libraries"},
-    {"no profiles",
-     [](const DriverFolder& driver) {
-         return Arguments{L"--profiles", driver.Path().wstring()};
-     },
-     4,
-     "no printer profiles"},
-    {"a broken profile",
-     [](const DriverFolder& driver)
-     {
-         WriteText(driver.Path() / L"printers" / L"broken.json", "{ \"name\": ");
-         return Arguments{};
-     },
-     4,
-     "broken.json"},
-    {"a printer without a profile",
-     [](const DriverFolder&) {
-         return Arguments{L"--printer", L"Omega,1"};
-     },
-     2,
-     "no printer profile is named \"Omega\""},
-    {"an impossible printer name",
-     [](const DriverFolder&) {
-         return Arguments{L"--printer", L"a\\Alpha,1"};
-     },
-     1,
-     "cannot be a printer's name"},
-    {"no data file",
-     [](const DriverFolder& driver) {
-         return Arguments{L"--data-file", (driver.Path() / L"no.ppd").wstring()};
-     },
-     4,
-     "no.ppd"},
-    {"a driver file that does not load",
-     [](const DriverFolder& driver)
-     {
-         WriteText(driver.Path() / L"tsyprui.dll", "this is no library");
-         return Arguments{};
-     },
-     3,
-     "loading"},
-    {"a driver file without its functions",
-     [](const DriverFolder& driver)
-     {
-         driver.PlaceLibrary(L"printctl_test_empty.dll", L"tsyprui.dll");
-         return Arguments{};
-     },
-     3,
-     "does not export Drv"},
-    {"a service library without its functions",
-     [](const DriverFolder& driver)
-     {
-         driver.PlaceLibrary(L"printctl_test_empty.dll", L"tsyprserverapi.dll");
-         return Arguments{};
-     },
-     3,
-     "does not export VpOpenRemotePrinter"},
-    {"a second printer that the driver knows nothing of",
-     [](const DriverFolder& driver)
-     {
-         driver.PlaceProfile(L"a0.json", "Aardvark");
-         driver.PlaceProfile(L"silent.json", "Silent");
-         return Arguments{};
-     },
-     3,
-     "DrvConvertDevMode for \"Silent\""},
+    {"remove tsyprui.dll", {}, 4, "tsyprui.dll\" is missing"},
+    {"", {L"--language-dir", L"%\\nowhere"}, 4, "no language libraries"},
+    {"", {L"--profiles", L"%"}, 4, "no printer profiles"},
+    {"break printers/broken.json", {}, 4, "broken.json"},
+    {"", {L"--printer", L"Omega,1"}, 2, "no printer profile is named \"Omega\""},
+    {"", {L"--printer", L"a\\Alpha,1"}, 1, "cannot be a printer's name"},
+    {"", {L"--data-file", L"%\\no.ppd"}, 4, "no.ppd"},
+    {"break tsyprui.dll", {}, 3, "loading"},
+    {"empty tsyprui.dll", {}, 3, "does not export Drv"},
+    {"empty tsyprserverapi.dll", {}, 3, "does not export VpOpenRemotePrinter"},
+    {"add Silent", {}, 3, "DrvConvertDevMode for \"Silent\""}, // the driver knows nothing of this second printer
 };
 
-struct FailingInstallTest : InstallTest, testing::WithParamInterface<std::tuple<bool, size_t>>
+// Does what the text says: removes a file, makes it no library and no profile, makes it a library without functions, or
+// adds a printer.
+void Spoil(const DriverFolder& driver, const std::string& what)
+{
+    const std::string object = what.substr(what.find(' ') + 1);
+    if (what.starts_with("remove"))
+    {
+        fs::remove(driver.Path() / object);
+    }
+    else if (what.starts_with("break"))
+    {
+        WriteText(driver.Path() / object, "{ \"name\": ");
+    }
+    else if (what.starts_with("empty"))
+    {
+        driver.PlaceLibrary(L"printctl_test_empty.dll", fs::path(object));
+    }
+    else if (what.starts_with("add"))
+    {
+        driver.PlaceProfile(L"a0.json", "Aardvark");
+        driver.PlaceProfile(L"added.json", object);
+    }
+}
+
+struct FailingInstallTest : InstallTest, testing::WithParamInterface<std::tuple<bool, FailingCase>>
 {
 };
 
 // Each fault leaves printers, driver, files and registry as they were, be it nothing or an earlier installation.
 TEST_P(FailingInstallTest, LeavesEverythingAsItWas)
 {
-    const auto& [overAnother, index] = GetParam();
-    const FailingCase& failing = kFailingCases[index];
-    SCOPED_TRACE(failing.name);
+    const auto& [overAnother, failing] = GetParam();
+    SCOPED_TRACE(failing.message);
     const fs::path& folder = m_driver.Path();
     if (overAnother)
     {
@@ -309,7 +246,13 @@ TEST_P(FailingInstallTest, LeavesEverythingAsItWas)
                         sizeof(elsewhere));
     }
     const SystemState before = ReadSystemState();
-    const Outcome outcome = m_driver.Install(failing.spoil(m_driver));
+    Spoil(m_driver, failing.spoil);
+    std::vector<std::wstring> arguments = failing.arguments;
+    for (std::wstring& argument : arguments)
+    {
+        argument.replace(0, argument.starts_with(L'%') ? 1 : 0, argument.starts_with(L'%') ? folder.wstring() : L"");
+    }
+    const Outcome outcome = m_driver.Install(arguments);
     EXPECT_EQ(outcome.code, failing.code);
     EXPECT_NE(outcome.error.find(failing.message), std::string::npos) << outcome.error;
     EXPECT_EQ(outcome.error.find("warning"), std::string::npos) << outcome.error;
@@ -318,7 +261,7 @@ TEST_P(FailingInstallTest, LeavesEverythingAsItWas)
 
 INSTANTIATE_TEST_SUITE_P(Faults,
                          FailingInstallTest,
-                         testing::Combine(testing::Bool(), testing::Range(size_t{0}, std::size(kFailingCases))));
+                         testing::Combine(testing::Bool(), testing::ValuesIn(kFailingCases)));
 
 } // namespace
 

@@ -5,7 +5,6 @@
 
 #include <prsht.h>
 
-#include <atomic>
 #include <thread>
 
 namespace tsypr::printctl_tests
@@ -30,33 +29,18 @@ BOOL CALLBACK PressIn(HWND window, LPARAM button)
     return FALSE;
 }
 
-// Presses the button in the property sheet that another program shows, as long as this object lives.
-class User
+// Presses the button in the property sheet that another program shows, as long as the thread lives.
+std::jthread StartUser(int button)
 {
-public:
-    explicit User(int button)
-        : m_thread(
-              [this, button]
-              {
-                  while (!m_isDone && (button == kNoButton || EnumWindows(PressIn, button) != FALSE))
-                  {
-                      Sleep(10);
-                  }
-              })
-    {
-    }
-    ~User()
-    {
-        m_isDone = true;
-        m_thread.join();
-    }
-    User(const User&) = delete;
-    User& operator=(const User&) = delete;
-
-private:
-    std::atomic<bool> m_isDone = false;
-    std::thread m_thread;
-};
+    return std::jthread(
+        [button](const std::stop_token& stop)
+        {
+            while (!stop.stop_requested() && (button == kNoButton || EnumWindows(PressIn, button) != FALSE))
+            {
+                Sleep(10);
+            }
+        });
+}
 
 struct Case
 {
@@ -87,7 +71,7 @@ TEST(PreferencesTest, ShowsAndStoresWhatTheUserMadeOfTheSettings)
         fs::remove(file);
         std::vector<std::wstring> arguments{L"preferences", L"Alpha", L"--out", file.wstring()};
         arguments.insert(arguments.end(), one.options.begin(), one.options.end());
-        const User user(one.button);
+        const std::jthread user = StartUser(one.button);
         const Outcome outcome = RunPrintctl(arguments);
         EXPECT_EQ(outcome.code, one.code) << outcome.error;
         EXPECT_NE((one.code == 0 ? outcome.out : outcome.error).find(one.message), std::string::npos)

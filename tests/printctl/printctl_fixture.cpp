@@ -3,9 +3,7 @@
 #include <windows.h>
 #include <winspool.h>
 
-#include <algorithm>
 #include <fstream>
-#include <thread>
 
 namespace tsypr::printctl_tests
 {
@@ -20,47 +18,12 @@ fs::path TestFolder()
     return fs::path(text).parent_path();
 }
 
-// A pipe whose write end a child process inherits; a thread collects what arrives.
-class OutputPipe
+// A new file that a child process inherits.
+HANDLE OutputFile(const fs::path& file)
 {
-public:
-    OutputPipe()
-    {
-        SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
-        CreatePipe(&m_read, &m_write, &inherit, 0);
-        SetHandleInformation(m_read, HANDLE_FLAG_INHERIT, 0);
-        m_reader = std::thread(
-            [this]
-            {
-                char part[4096];
-                DWORD length = 0;
-                while (ReadFile(m_read, part, sizeof(part), &length, nullptr) != FALSE && length > 0)
-                {
-                    m_text.append(part, length);
-                }
-            });
-    }
-
-    HANDLE WriteEnd() const
-    {
-        return m_write;
-    }
-
-    // Everything written; call it when the child has started.
-    std::string Finish()
-    {
-        CloseHandle(m_write);
-        m_reader.join();
-        CloseHandle(m_read);
-        return m_text;
-    }
-
-private:
-    HANDLE m_read = nullptr;
-    HANDLE m_write = nullptr;
-    std::string m_text;
-    std::thread m_reader;
-};
+    SECURITY_ATTRIBUTES inherit{sizeof(inherit), nullptr, TRUE};
+    return CreateFileW(file.c_str(), GENERIC_WRITE, 7, &inherit, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
 
 std::string Narrow(const std::wstring& text)
 {
@@ -141,28 +104,25 @@ Outcome RunPrintctl(const std::vector<std::wstring>& arguments)
     {
         line += L" \"" + argument + L"\"";
     }
-    OutputPipe out;
-    OutputPipe error;
+    const fs::path out = fs::temp_directory_path() / L"printctl-test.out";
+    const fs::path error = fs::temp_directory_path() / L"printctl-test.err";
     STARTUPINFOW start{};
     start.cb = sizeof(start);
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = out.WriteEnd();
-    start.hStdError = error.WriteEnd();
+    start.hStdOutput = OutputFile(out);
+    start.hStdError = OutputFile(error);
     PROCESS_INFORMATION process{};
     const BOOL started =
         CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process);
-    Outcome outcome{-1, out.Finish(), error.Finish()};
     EXPECT_TRUE(started) << "printctl.exe is not beside the test program";
-    if (started != FALSE)
+    DWORD code = ~DWORD{0};
+    WaitForSingleObject(process.hProcess, INFINITE);
+    GetExitCodeProcess(process.hProcess, &code);
+    for (const HANDLE handle : {process.hThread, process.hProcess, start.hStdOutput, start.hStdError})
     {
-        DWORD code = 0;
-        WaitForSingleObject(process.hProcess, INFINITE);
-        GetExitCodeProcess(process.hProcess, &code);
-        outcome.code = static_cast<int>(code);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
+        CloseHandle(handle);
     }
-    return outcome;
+    return {static_cast<int>(code), ReadText(out), ReadText(error)};
 }
 
 Json QueryJson(std::vector<std::wstring> arguments)
@@ -191,23 +151,15 @@ SystemState ReadSystemState()
 
 std::string ProfileText(const std::string& name)
 {
-    return Json{{"schemaVersion", 1},
-                {"name", name},
-                {"manufacturer", ""},
-                {"model", ""},
-                {"deviceMode", {{"paper", 9}, {"source", 7}}},
-                {"private", Json::object()},
-                {"papers", {{{"id", 9}, {"name", "A4"}, {"keyword", "psk:ISOA4"}, {"width", 2100}, {"height", 2970}}}},
-                {"bins", {{{"id", 7}, {"name", "Automatically Select"}, {"keyword", "psk:AutoSelect"}}}},
-                {"mediaTypes", {{{"id", 1}, {"name", "Plain"}, {"keyword", "psk:Plain"}}}},
-                {"resolutions", {{{"x", 600}, {"y", 600}}}},
-                {"duplex", {"simplex"}},
-                {"color", false},
-                {"landscapeRotation", 90},
-                {"maxCopies", 99},
-                {"collation", true},
-                {"pagesPerMinute", 10}}
-        .dump();
+    Json profile = Json::parse(R"({"schemaVersion": 1, "manufacturer": "", "model": "", "private": {},
+        "deviceMode": {"paper": 9, "source": 7},
+        "papers": [{"id": 9, "name": "A4", "keyword": "psk:ISOA4", "width": 2100, "height": 2970}],
+        "bins": [{"id": 7, "name": "Automatically Select", "keyword": "psk:AutoSelect"}],
+        "mediaTypes": [{"id": 1, "name": "Plain", "keyword": "psk:Plain"}], "resolutions": [{"x": 600, "y": 600}],
+        "duplex": ["simplex"], "color": false, "landscapeRotation": 90, "maxCopies": 99, "collation": true,
+        "pagesPerMinute": 10})");
+    profile["name"] = name;
+    return profile.dump();
 }
 
 std::string ReadText(const fs::path& file)
@@ -244,11 +196,6 @@ DriverFolder::~DriverFolder()
 {
     std::error_code ignored;
     fs::remove_all(m_path, ignored);
-}
-
-const fs::path& DriverFolder::Path() const
-{
-    return m_path;
 }
 
 void DriverFolder::PlaceLibrary(const wchar_t* library, const std::wstring& name) const

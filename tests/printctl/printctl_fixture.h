@@ -49,7 +49,10 @@ public:
     DriverFolder(const DriverFolder&) = delete;
     DriverFolder& operator=(const DriverFolder&) = delete;
 
-    const fs::path& Path() const;
+    const fs::path& Path() const
+    {
+        return m_path;
+    }
 
     // A copy of a library that lies beside the test program.
     void PlaceLibrary(const wchar_t* library, const std::wstring& name) const;

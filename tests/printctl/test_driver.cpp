@@ -2,6 +2,7 @@
 // same file serves as UI library, as remote printer service and as language library.
 #include "remote/private_devmode.h"
 #include "tests/printctl/test_driver_sheet.h"
+#include "ui/document_property_header.h"
 
 #include <windows.h>
 #include <winspool.h>
@@ -29,19 +30,6 @@ constexpr DWORD kMediaTypes[] = {1, 0x80000005};
 constexpr const wchar_t* kMediaTypeNames[] = {L"Plain", L"Glossy Photo"};
 constexpr LONG kResolutions[][2] = {{600, 600}, {1200, 1200}};
 constexpr DWORD kPagesPerSheet[] = {1, 2, 4};
-
-// The parts of a document property request without a dialog, as the spooler hands them over.
-struct RequestHeader
-{
-    WORD cbSize;
-    WORD reserved;
-    HANDLE printer;
-    const wchar_t* printerName;
-    const DEVMODEW* in;
-    DEVMODEW* out;
-    DWORD cbOut;
-    DWORD mode;
-};
 
 // A printer of this name gives no device mode, one named Chatty writes more bin names than it announces.
 bool IsNamed(const wchar_t* printer, std::wstring_view name)
@@ -135,35 +123,19 @@ DWORD GiveBinNames(const wchar_t* printer, void* output)
 TEST_EXPORT DWORD WINAPI
 DrvDeviceCapabilities(HANDLE, const wchar_t* printer, WORD index, void* output, const DEVMODEW* dm)
 {
-    switch (index)
-    {
-    case DC_PAPERS:
-        return GiveList(kPapers, output);
-    case DC_PAPERSIZE:
-        return GiveList(kPaperSizes, output);
-    case DC_PAPERNAMES:
-        return GiveNames(kPaperNames, 64, output);
-    case DC_BINS:
-        return GiveList(kBins, output);
-    case DC_BINNAMES:
-        return GiveBinNames(printer, output);
-    case DC_MEDIATYPES:
-        return GiveList(kMediaTypes, output);
-    case DC_MEDIATYPENAMES:
-        return GiveNames(kMediaTypeNames, 64, output);
-    case DC_ENUMRESOLUTIONS:
-        return GiveList(kResolutions, output);
-    case DC_NUP:
-        return GiveList(kPagesPerSheet, output);
-    case DC_MAXEXTENT:
-        return static_cast<DWORD>(MAKELONG(2159, 3556));
-    case DC_COPIES:
-        return dm == nullptr ? 99 : static_cast<DWORD>(dm->dmCopies);
-    case DC_DUPLEX:
-        return 1;
-    default:
-        return static_cast<DWORD>(-1);
-    }
+    return index == DC_PAPERS            ? GiveList(kPapers, output)
+           : index == DC_PAPERSIZE       ? GiveList(kPaperSizes, output)
+           : index == DC_PAPERNAMES      ? GiveNames(kPaperNames, 64, output)
+           : index == DC_BINS            ? GiveList(kBins, output)
+           : index == DC_BINNAMES        ? GiveBinNames(printer, output)
+           : index == DC_MEDIATYPES      ? GiveList(kMediaTypes, output)
+           : index == DC_MEDIATYPENAMES  ? GiveNames(kMediaTypeNames, 64, output)
+           : index == DC_ENUMRESOLUTIONS ? GiveList(kResolutions, output)
+           : index == DC_NUP             ? GiveList(kPagesPerSheet, output)
+           : index == DC_MAXEXTENT       ? static_cast<DWORD>(MAKELONG(2159, 3556))
+           : index == DC_COPIES          ? (dm == nullptr ? 99 : static_cast<DWORD>(dm->dmCopies))
+           : index == DC_DUPLEX          ? 1
+                                         : static_cast<DWORD>(-1);
 }
 
 TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* ui, LPARAM parameter)
@@ -172,20 +144,20 @@ TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* ui, LPARAM p
     {
         return AnswerSheet(*ui, nullptr);
     }
-    auto* header = reinterpret_cast<RequestHeader*>(parameter);
-    if (IsNamed(header->printerName, L"Silent"))
+    auto* header = reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(parameter);
+    if (IsNamed(header->pszPrinterName, L"Silent"))
     {
         return -1;
     }
-    if (header->mode == 0 || header->out == nullptr)
+    if (header->fMode == 0 || header->pdmOut == nullptr)
     {
         return kTotalSize;
     }
-    DEVMODEW* out = header->out;
+    DEVMODEW* out = header->pdmOut;
     MakeDefault(out);
-    if (header->in != nullptr && (header->mode & DM_IN_BUFFER) != 0)
+    if (header->pdmIn != nullptr && (header->fMode & DM_IN_BUFFER) != 0)
     {
-        Merge(out, header->in);
+        Merge(out, header->pdmIn);
     }
     return ui == nullptr ? 1 : AnswerSheet(*ui, out);
 }

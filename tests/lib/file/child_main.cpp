@@ -1,10 +1,11 @@
-// The program's own main: with "--child" it is one of the processes that the tests start.
+// What the processes do that the tests of this folder start.
+#include "tests/lib/child_process.h"
 #include "tests/lib/file/file_test.h"
 
 #include "lib/file/append_file.h"
 
-#include <chrono>
 #include <cstdlib>
+#include <tuple>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -68,49 +69,19 @@ int HoldLock(const std::string& file, const std::string& ready)
     return 0;
 }
 
-// Adds 1 to the number in FILE, N times, under the lock beside it.
-int Count(const std::string& file, int times)
-{
-    for (; times != 0; --times)
-    {
-        FileLock lock;
-        if (!lock.Acquire((file + ".lock").c_str(), LockMode::Exclusive, 30'000).Ok() ||
-            Create(file, std::to_string(std::atoi(Contents(file).c_str()) + 1)) != FileError::None)
-        {
-            return 1;
-        }
-    }
-    return 0;
-}
-
 } // namespace
 
 int RunChild(const std::vector<std::string>& arguments)
 {
-    const std::string& role = arguments[0];
-    if (role == "crash-at")
-    {
-        return CrashAt(arguments[1], static_cast<unsigned>(std::atoi(arguments[2].c_str())));
-    }
-    if (role == "replace-for-ever")
-    {
-        return ReplaceForEver(arguments[1], arguments[2]);
-    }
-    if (role == "hold-lock")
-    {
-        return HoldLock(arguments[1], arguments[2]);
-    }
-    return role == "count" ? Count(arguments[1], std::atoi(arguments[2].c_str())) : 2;
+    const auto& [role, first, second] = std::tie(arguments[0], arguments[1], arguments[2]);
+    return role == "crash-at"           ? CrashAt(first, static_cast<unsigned>(std::atoi(second.c_str())))
+           : role == "replace-for-ever" ? ReplaceForEver(first, second)
+                                        : HoldLock(first, second);
 }
 
 } // namespace tsypr::test
 
 int main(int argc, char** argv)
 {
-    if (argc > 2 && std::string(argv[1]) == "--child")
-    {
-        return tsypr::test::RunChild({argv + 2, argv + argc});
-    }
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return tsypr::test::RunTestsOrChild(argc, argv);
 }

@@ -107,24 +107,5 @@ TEST(MoveFileTo, AcrossVolumes)
     EXPECT_EQ(Contents(to), "contents");
 }
 
-#ifndef _WIN32
-TEST(MoveFileTo, AcrossRealVolumes)
-{
-    const ScratchFolder scratch("real-volumes");
-    const std::string from = Utf8(scratch.path) + "/from";
-    const std::string to = "/dev/shm/lib_file_tests-" + std::to_string(getpid());
-    ASSERT_EQ(Create(from), FileError::None);
-    if (Create(to, "old") != FileError::None)
-    {
-        GTEST_SKIP() << "no other volume at /dev/shm";
-    }
-    EXPECT_EQ(MoveFileTo(from.c_str(), to.c_str(), false).error, FileError::AlreadyExists);
-    EXPECT_EQ(MoveFileTo(from.c_str(), to.c_str(), true).error, FileError::None);
-    EXPECT_EQ(Contents(to), "contents");
-    EXPECT_FALSE(PathExists(from.c_str()));
-    EXPECT_EQ(RemoveFile(to.c_str()).error, FileError::None);
-}
-#endif
-
 } // namespace
 } // namespace tsypr::test

@@ -3,6 +3,8 @@
 
 #include "lib/misc/clock.h"
 
+#include <pthread.h>
+
 namespace tsypr::test
 {
 namespace
@@ -10,58 +12,20 @@ namespace
 
 TEST(Paths, IllFormedOnesAreInvalidEverywhere)
 {
-    const ScratchFolder scratch("ill-formed");
-    const std::string source = Utf8(scratch / "source");
-    ASSERT_EQ(Create(source), FileError::None);
-    const std::function<FileError(const char*)> operations[] = {
-        [](const char* path)
-        {
-            FileStatus status;
-            return GetFileStatus(path, status).error;
-        },
-        [](const char* path) { return CopyFileTo(path, "target", true).error; },
-        [&](const char* path) { return CopyFileTo(source.c_str(), path, true).error; },
-        [&](const char* path) { return MoveFileTo(source.c_str(), path, true).error; },
-        [](const char* path) { return MoveFileTo(path, "target", true).error; },
-        [](const char* path) { return RemoveFile(path).error; },
-        [](const char* path) { return MakeDirectory(path).error; },
-        [](const char* path) { return MakeDirectoryTree(path).error; },
-        [](const char* path) { return RemoveEmptyDirectory(path).error; },
-        [](const char* path) { return RemoveDirectoryTree(path).error; },
-        [](const char* path)
-        {
-            std::vector<DirectoryEntry> entries(1);
-            const FileError error = ListDirectory(path, entries).error;
-            return entries.empty() ? error : FileError::None;
-        },
-        [](const char* path)
-        {
-            uint64_t bytes = 1;
-            const FileError error = GetFreeDiskSpace(path, bytes).error;
-            return bytes == 0 ? error : FileError::None;
-        },
-        [](const char* path)
-        {
-            std::string contents = "old";
-            const FileError error = ReadFileContents(path, 100, contents).error;
-            return contents.empty() ? error : FileError::None;
-        },
-        [](const char* path) { return ReplaceFileContents(path, "x").error; },
-        [](const char* path)
-        {
-            FileLock lock;
-            return lock.Acquire(path, LockMode::Exclusive, 0).error;
-        },
-    };
-    int number = 0;
-    for (const auto& operation : operations)
+    const Workplace place("ill-formed");
+    place.TidyUp();
+    for (const PathOperation& operation : kPathOperations)
     {
-        SCOPED_TRACE(number++);
-        EXPECT_EQ(operation(nullptr), FileError::InvalidArgument);
-        EXPECT_EQ(operation(""), FileError::InvalidArgument);
-        EXPECT_EQ(operation("cut-\xE6\x9D"), FileError::InvalidArgument);
-        EXPECT_EQ(operation(std::string(300, 'n').c_str()), FileError::NameTooLong);
-        EXPECT_EQ(operation(std::string(40'000, 'n').c_str()), FileError::NameTooLong);
+        SCOPED_TRACE(operation.name);
+        const auto error = [&](const char* path) { return operation.run(path, place.other.c_str(), {}).error; };
+        for (const char* const path : {static_cast<const char*>(nullptr), "", "cut-\xE6\x9D"})
+        {
+            EXPECT_EQ(error(path), FileError::InvalidArgument);
+        }
+        for (const size_t length : {300U, 40'000U})
+        {
+            EXPECT_EQ(error(std::string(length, 'n').c_str()), FileError::NameTooLong);
+        }
     }
     EXPECT_FALSE(PathExists(nullptr));
 }
@@ -212,22 +176,60 @@ TEST(Directories, ATreeIsRemovedAsFarAsItGoes)
     EXPECT_FALSE(PathExists(tree.c_str()));
 }
 
-TEST(Directories, LinksAreNotFollowedByRemoval)
+TEST(Directories, LinksGoAndWhatTheyLeadToStays)
 {
     const ScratchFolder scratch("links");
     const std::string base = Utf8(scratch.path);
     ASSERT_TRUE(MakeDirectoryTree((base + "/kept").c_str()).Ok());
     ASSERT_TRUE(MakeDirectoryTree((base + "/tree").c_str()).Ok());
     ASSERT_EQ(Create(base + "/kept/file"), FileError::None);
-    std::error_code error;
-    std::filesystem::create_directory_symlink(base + "/kept", base + "/tree/link", error);
-    if (error)
+    for (const std::string& link : {base + "/tree/link", base + "/link"})
     {
-        GTEST_SKIP() << "no symbolic links here: " << error.message();
+        std::error_code error;
+        std::filesystem::create_directory_symlink(base + "/kept", link, error);
+        if (error)
+        {
+            GTEST_SKIP() << "no symbolic links here: " << error.message();
+        }
+        EXPECT_EQ(RemoveDirectoryTree(link.c_str()).error, FileError::NotADirectory);
     }
-    EXPECT_EQ(RemoveDirectoryTree((base + "/tree/link").c_str()).error, FileError::NotADirectory);
     EXPECT_EQ(RemoveDirectoryTree((base + "/tree").c_str()).error, FileError::None);
+    EXPECT_EQ(RemoveFile((base + "/link").c_str()).error, FileError::None);
+    EXPECT_EQ(Names(base), "kept ");
     EXPECT_EQ(Contents(base + "/kept/file"), "contents");
+}
+
+// As deep as a path can be, on a stack that does not bear a call for each level.
+void* MakeAndRemoveDeepTree(void* /*nothing*/)
+{
+    const ScratchFolder scratch("deep");
+    std::string path = Utf8(scratch.path);
+#ifdef _WIN32
+    constexpr int kLevels = 150; // Wine looks through every folder on the way, each time
+#else
+    constexpr int kLevels = 1800;
+#endif
+    for (int level = 0; level < kLevels; ++level)
+    {
+        path += "/d";
+    }
+    EXPECT_EQ(MakeDirectoryTree(path.c_str()).error, FileError::None);
+    EXPECT_EQ(Create(path + "/file"), FileError::None);
+    EXPECT_EQ(RemoveDirectoryTree(Utf8(scratch / "d").c_str()).error, FileError::None);
+    EXPECT_EQ(Names(Utf8(scratch.path)), "");
+    return nullptr;
+}
+
+TEST(Directories, DepthCostsNoStack)
+{
+    constexpr size_t kStackBytes = 256 * 1024;
+    pthread_attr_t attributes;
+    pthread_t thread{};
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackBytes), 0);
+    ASSERT_EQ(pthread_create(&thread, &attributes, MakeAndRemoveDeepTree, nullptr), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
 }
 
 } // namespace

@@ -114,9 +114,7 @@ TEST(File, FaultsAreReported)
     EXPECT_EQ(file.Sync().error, FileError::DiskFull);
     EXPECT_EQ(file.Resize(1).error, FileError::DiskFull);
     EXPECT_EQ(file.GetSize(size).error, FileError::DiskFull);
-    plan.Shorten(FileOperation::Write, 3, 2, 2); // the rest follows in further calls
     EXPECT_TRUE(file.Write("12345678", 8).Ok());
-    EXPECT_EQ(plan.Seen(FileOperation::Write), 4U);
     EXPECT_EQ(file.Close().error, FileError::DiskFull);
     EXPECT_FALSE(file.IsOpen());
     plan.Shorten(FileOperation::Read, 1, 2, 5);
@@ -169,9 +167,13 @@ TEST(AppendFile, MakesOneFolderAndReportsShortWrites)
         EXPECT_FALSE(file.Append("for", 3));
     }
     EXPECT_FALSE(file.Append(nullptr, 1));
+    const std::string renamed = Utf8(scratch / "renamed"); // as a tool that tidies up may do meanwhile
+    std::filesystem::rename(path, renamed);
+    EXPECT_TRUE(other.Append(".", 1));
     file.Close();
     other.Close();
-    EXPECT_EQ(Contents(path), "one two three fo");
+    EXPECT_FALSE(file.Append("x", 1));
+    EXPECT_EQ(Contents(renamed), "one two three fo.");
 }
 
 } // namespace

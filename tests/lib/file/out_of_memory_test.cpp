@@ -45,54 +45,29 @@ namespace
 
 TEST(OutOfMemory, IsAResult)
 {
-    const ScratchFolder scratch("memory");
-    const std::string base = Utf8(scratch.path);
-    const std::string a = base + "/a-name-that-no-string-holds-without-an-allocation";
-    const std::string b = a + 'b';
-    const std::string folder = base + "/a-folder-with-a-name-of-some-length";
-    std::string contents;
-    std::vector<DirectoryEntry> entries;
-    const std::function<FileResult()> operations[] = {
-        [&] { return ReplaceFileContents(a.c_str(), "new"); },
-        [&] { return ReadFileContents(a.c_str(), 100, contents); },
-        [&] { return CopyFileTo(a.c_str(), b.c_str(), true); },
-        [&] { return MoveFileTo(b.c_str(), (a + 'c').c_str(), true); },
-        [&] { return MakeDirectoryTree(folder.c_str()); },
-        [&] { return ListDirectory(base.c_str(), entries); },
-        [&]
-        {
-            FileLock lock;
-            return lock.Acquire(a.c_str(), LockMode::Exclusive, 0);
-        },
-        [&] { return RemoveDirectoryTree(base.c_str()); },
-    };
-    int number = 0;
-    for (const auto& operation : operations)
+    const Workplace place("memory");
+    for (const PathOperation& operation : kPathOperations)
     {
-        SCOPED_TRACE(number++);
-        ASSERT_TRUE(MakeDirectoryTree(base.c_str()).Ok());
-        ASSERT_EQ(Create(a, "old"), FileError::None);
-        ASSERT_EQ(Create(b, "old"), FileError::None);
+        SCOPED_TRACE(operation.name);
+        place.TidyUp();
+        int allocations = 0;
         FileResult result;
-        int allocations = -1;
         do
         {
-            contents = std::string();
-            entries = {};
-            g_allocationsLeft = ++allocations;
+            g_allocationsLeft = allocations++;
             try
             {
-                result = operation();
+                result = place.Run(operation);
             }
             catch (const std::bad_alloc&)
             {
-                result.error = FileError::OutOfMemory; // the test's own argument
+                result.error = FileError::OutOfMemory; // the test's own texts
             }
             g_allocationsLeft = -1;
             ASSERT_TRUE(result.Ok() || result.error == FileError::OutOfMemory) << FileErrorText(result.error);
-            ASSERT_EQ(Names(base).find(".tmp"), std::string::npos);
+            ASSERT_EQ(Names(place.base).find(".tmp"), std::string::npos);
         } while (!result.Ok());
-        EXPECT_GE(allocations, 1);
+        EXPECT_GT(allocations, 1);
     }
 }
 

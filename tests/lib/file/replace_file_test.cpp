@@ -1,10 +1,12 @@
-// Replacing a file's contents: results, faults at each step, readers meanwhile, leftovers, links.
+// Replacing a file's contents: results, faults and crashes at each step, kills, readers meanwhile, leftovers, links.
+#include "tests/lib/child_process.h"
 #include "tests/lib/file/file_test.h"
 
 #include "lib/file/file.h"
 #include "lib/file/temporary_file.h"
 
 #include <atomic>
+#include <random>
 
 #ifdef _WIN32
 #include <windows.h>
@@ -16,6 +18,12 @@ namespace tsypr::test
 {
 namespace
 {
+
+size_t CountEntries(const std::string& folder)
+{
+    std::vector<DirectoryEntry> entries;
+    return ListDirectory(folder.c_str(), entries).Ok() ? entries.size() : 0;
+}
 
 TEST(ReplaceFileContents, Results)
 {
@@ -41,9 +49,7 @@ TEST(ReplaceFileContents, Results)
         foreign += "\xE6\x9D\xB1";
     }
     EXPECT_EQ(Create(base + '/' + foreign), FileError::None);
-    std::vector<DirectoryEntry> entries;
-    ASSERT_TRUE(ListDirectory(base.c_str(), entries).Ok());
-    EXPECT_EQ(entries.size(), 3U);
+    EXPECT_EQ(CountEntries(base), 3U);
 }
 
 TEST(ReplaceFileContents, EveryFaultLeavesOldOrNewWhole)
@@ -111,34 +117,95 @@ TEST(ReplaceFileContents, ReadersSeeWholeContentsOnly)
     std::atomic<bool> done{false};
     std::atomic<unsigned> reads{0};
     std::atomic<unsigned> torn{0};
-    const auto reader = [&]
-    {
-        while (!done)
-        {
-            std::string text;
-            const FileResult result = ReadFileContents(path.c_str(), 1 << 20, text);
-            const bool whole = result.Ok() && text.size() >= 1000 && (text.size() - 1000) % 37 == 0 &&
-                               text == contents(static_cast<int>(text.size() - 1000) / 37);
-            torn += whole ? 0 : 1;
-            ++reads;
-            std::this_thread::sleep_for(std::chrono::milliseconds(1)); // where an open file cannot be replaced
-        }
-    };
-    std::thread threads[] = {std::thread(reader), std::thread(reader)};
     int failed = 0;
-    for (int number = 1; number <= kReplacements; ++number)
-    {
-        failed += ReplaceFileContents(path.c_str(), contents(number), {1, 2, 10'000}).Ok() ? 0 : 1;
-    }
-    done = true;
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
+    InThreads(3,
+              [&](int thread)
+              {
+                  for (int number = 1; thread == 0 && number <= kReplacements; ++number)
+                  {
+                      failed += ReplaceFileContents(path.c_str(), contents(number), {1, 2, 10'000}).Ok() ? 0 : 1;
+                  }
+                  done = done || thread == 0;
+                  while (!done)
+                  {
+                      const std::string text = Contents(path);
+                      const bool whole = text.size() >= 1000 && (text.size() - 1000) % 37 == 0 &&
+                                         text == contents(static_cast<int>(text.size() - 1000) / 37);
+                      torn += whole ? 0 : 1;
+                      ++reads;
+                      std::this_thread::sleep_for(std::chrono::milliseconds(1)); // an open file cannot be replaced
+                  }
+              });
     EXPECT_EQ(failed, 0);
     EXPECT_EQ(torn, 0U);
     EXPECT_GT(reads, 50U);
     EXPECT_EQ(Names(Utf8(scratch.path)), "file ");
+}
+
+TEST(ReplaceCrash, AtEachStep)
+{
+    const ScratchFolder scratch("crash-steps");
+    const std::string base = Utf8(scratch.path);
+    const std::string path = base + "/file";
+    int code = 77;
+    unsigned step = 0;
+    size_t leftovers = 0;
+    for (; code == 77; ++step)
+    {
+        SCOPED_TRACE(step);
+        ASSERT_LT(step, 50U);
+        ASSERT_EQ(Create(path, "old"), FileError::None);
+        ASSERT_EQ(CountEntries(base), 1U); // what the last one left is gone
+        ChildProcess child({"crash-at", path, std::to_string(step + 1)});
+        code = child.Wait();
+        const std::string contents = Contents(path);
+        EXPECT_TRUE(contents == "new" || (contents == "old" && code == 77)) << contents;
+        leftovers += CountEntries(base) - 1;
+    }
+    EXPECT_EQ(code, 0);
+    EXPECT_GE(step, 8U);
+    EXPECT_GE(leftovers, 3U);
+}
+
+// The number that all lines of the file have; 0 when they differ or some are missing.
+unsigned NumberIn(const std::string& path)
+{
+    const std::vector<std::string> lines = ReadLines(path);
+    const bool whole =
+        Contents(path).size() >= 20'000 && static_cast<size_t>(std::ranges::count(lines, lines[0])) == lines.size();
+    return whole ? static_cast<unsigned>(std::stoul(lines[0])) : 0;
+}
+
+TEST(ReplaceCrash, KilledTwoHundredTimes)
+{
+    constexpr int kThreads = 4; // most of the time goes into starting processes
+    constexpr int kKills = 50;  // each
+    const ScratchFolder scratch("kills");
+    std::atomic<size_t> leftovers{0};
+    InThreads(kThreads,
+              [&](int thread)
+              {
+                  const std::string base = Utf8(scratch.path) + '/' + std::to_string(thread);
+                  const std::string path = base + "/file";
+                  const std::string acknowledged = base + "/acknowledged";
+                  EXPECT_TRUE(MakeDirectory(base.c_str()).Ok());
+                  std::mt19937 random(static_cast<unsigned>(thread));
+                  for (int kill = 0; kill < kKills; ++kill)
+                  {
+                      RemoveFile(acknowledged.c_str());
+                      KillAtWork({"replace-for-ever", path, acknowledged},
+                                 acknowledged,
+                                 1000 + static_cast<int>(random() % 9000));
+                      const unsigned number = NumberIn(path);
+                      EXPECT_NE(number, 0U);
+                      const std::vector<std::string> lines = ReadLines(acknowledged);
+                      EXPECT_GE(number, lines.empty() ? ~0UL : std::stoul(lines.back()));
+                      leftovers += CountEntries(base) - 2;
+                      EXPECT_EQ(Create(path, "whole\n"), FileError::None);
+                      EXPECT_EQ(CountEntries(base), 2U);
+                  }
+              });
+    EXPECT_GT(leftovers, 0U); // some were hit in the middle
 }
 
 TEST(ReplaceFileContents, OnlyLeftoversOfTheDeadAreRemoved)
@@ -157,9 +224,7 @@ TEST(ReplaceFileContents, OnlyLeftoversOfTheDeadAreRemoved)
         TemporaryFile living(target, retrier);
         ASSERT_EQ(living.Create({}, false), 0U);
         EXPECT_EQ(Create(base + "/file", "new"), FileError::None);
-        std::vector<DirectoryEntry> entries;
-        ASSERT_TRUE(ListDirectory(base.c_str(), entries).Ok());
-        EXPECT_EQ(entries.size(), 5U);
+        EXPECT_EQ(CountEntries(base), 5U);
         ASSERT_EQ(living.Write("living", 6), 0U);
         ASSERT_EQ(living.Commit(true), 0U);
     }

@@ -1,33 +1,13 @@
-// The program's own main: with "--child" it is one of the processes that the tests start.
+// What the processes do that the tests of this folder start.
+#include "tests/lib/child_process.h"
 #include "tests/lib/log/log_files.h"
 
 #include "lib/file/append_file.h"
-
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <cstdlib>
-#include <thread>
 
 namespace tsypr::test
 {
 namespace
 {
-
-// Writes N lines "<NAME 0>", "<NAME 1>", ... into FILE, which others write to as well and which is rotated at BYTES.
-int WriteLines(const std::string& file, const std::string& name, int count, const std::string& bytes)
-{
-    if (!LogStart("test", Settings(file, {{kLogRotateBytesKey, bytes.c_str()}, {kLogKeepRotatedKey, "999"}})))
-    {
-        return 1;
-    }
-    for (int i = 0; i < count; ++i)
-    {
-        LogWrite(kLogInfo, "<%s %d>\n", name.c_str(), i);
-    }
-    LogStop();
-    return 0;
-}
 
 // Writes lines "<0>", "<1>", ... into FILE for ever, and after each one more line into ACKNOWLEDGED.
 int WriteForEver(const std::string& file, const std::string& acknowledged, const std::string& own)
@@ -53,7 +33,7 @@ int WriteForEver(const std::string& file, const std::string& acknowledged, const
 int HoldOpen(const std::string& file, const std::string& ready)
 {
     AppendFile sign;
-    if (!LogStart("test", Settings(file)) || !sign.Open(ready.c_str()))
+    if (!LogStart("test", Settings(file)) || !sign.Open(ready.c_str()) || !sign.Append("ready", 5))
     {
         return 1;
     }
@@ -65,26 +45,13 @@ int HoldOpen(const std::string& file, const std::string& ready)
 
 int RunChild(const std::vector<std::string>& arguments)
 {
-    const std::string& role = arguments[0];
-    if (role == "write-lines")
-    {
-        return WriteLines(arguments[1], arguments[2], std::atoi(arguments[3].c_str()), arguments[4]);
-    }
-    if (role == "write-for-ever")
-    {
-        return WriteForEver(arguments[1], arguments[2], arguments[3]);
-    }
-    return role == "hold-open" ? HoldOpen(arguments[1], arguments[2]) : 2;
+    return arguments[0] == "write-for-ever" ? WriteForEver(arguments[1], arguments[2], arguments[3])
+                                            : HoldOpen(arguments[1], arguments[2]);
 }
 
 } // namespace tsypr::test
 
 int main(int argc, char** argv)
 {
-    if (argc > 2 && std::string(argv[1]) == "--child")
-    {
-        return tsypr::test::RunChild({argv + 2, argv + argc});
-    }
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
+    return tsypr::test::RunTestsOrChild(argc, argv);
 }

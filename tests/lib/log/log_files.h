@@ -61,9 +61,6 @@ inline std::vector<std::string> ReadRotated(const std::filesystem::path& file)
     return lines;
 }
 
-// What a child process does that is started with these arguments; its exit code.
-int RunChild(const std::vector<std::string>& arguments);
-
 } // namespace tsypr::test
 
 #endif

@@ -2,15 +2,14 @@
 
 #include "lib/log/log_settings.h"
 #include "lib/misc/process.h"
+#include "lib/string/format.h"
 #include "lib/unicode/codeset.h"
+#include "tests/lib/child_process.h"
 #include "tests/lib/log/log_files.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <regex>
-#include <thread>
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -63,32 +62,57 @@ TEST_F(LogTest, WritesOneLinePerMessage)
                   origin + text + text + "|");
 }
 
-TEST_F(LogTest, DisabledLevelsAreNotEvenFormatted)
+// The numbers in the lines.
+std::string NumbersIn(const std::filesystem::path& file)
 {
-    const auto* noText = reinterpret_cast<const char*>(1); // reading it would be the end
+    std::string all;
+    for (const std::string& line : ReadLines(file))
+    {
+        all += line.substr(line.find('<') + 1, 1);
+    }
+    return all;
+}
+
+// Disabled levels are not even formatted: reading the text would be the end.
+void WriteAtEachLevel(int enabled)
+{
+    for (int level = -1; level < kLogDebug1 + 3; ++level)
+    {
+        const bool writes = level >= kLogAudit && level <= enabled;
+        EXPECT_TRUE(level < kLogAudit || LogEnabled(level) == writes) << level;
+        LogWrite(level, "<%d>%s", level, writes ? "" : reinterpret_cast<const char*>(1));
+    }
+}
+
+TEST_F(LogTest, LevelsAreNamedAndMayChangeAtAnyTime)
+{
     constexpr const char* kNames[] = {
         "audit", "Panic", "ERROR", "warning", "notice", "info", "verbose", "trivia", "debug", "debug1"};
+    std::string expected;
     for (int level = kLogAudit; level <= kLogDebug1; ++level)
     {
-        LogWrite(kLogAudit, "%s", noText);
+        WriteAtEachLevel(-1);
         ASSERT_TRUE(Start(Utf8(m_file), kNames[level]));
-        LogWrite(level, "at %s", kNames[level]);
-        for (int above = level + 1; above < kLogDebug1 + 3; ++above)
-        {
-            EXPECT_FALSE(LogEnabled(above));
-            LogWrite(above, "%s", noText);
-        }
-        LogWrite(-1, "%s", noText);
+        WriteAtEachLevel(level);
         LogStop();
-        EXPECT_FALSE(LogEnabled(kLogAudit));
+        expected += std::string("0123456789").substr(0, static_cast<size_t>(level) + 1);
     }
-    EXPECT_EQ(ReadLines(m_file).size(), 10U);
+    EXPECT_FALSE(LogSetLevel(kLogInfo)); // not running
+    ASSERT_TRUE(Start(Utf8(m_file), "info"));
+    const int levels[] = {kLogDebug1, kLogErrorLevel, -1, kLogDebug1 + 1, kLogAudit, kLogInfo};
+    for (const int level : levels)
+    {
+        const bool known = level >= kLogAudit && level <= kLogDebug1;
+        EXPECT_EQ(LogSetLevel(level), known) << level;
+        WriteAtEachLevel(known ? level : kLogErrorLevel);
+    }
+    LogStop();
+    EXPECT_EQ(NumbersIn(m_file), expected + "0123456789" + "012" + "012" + "012" + "0" + "012345");
 }
 
 TEST_F(LogTest, StartsAndStopsAgainAndAgain)
 {
-    constexpr const char* kUnknown[] = {
-        "loud", "", "debug2", "debu", "debugs", " debug", "9", "trace"}; // count as info
+    constexpr const char* kUnknown[] = {"loud", "", "debug2", "debu", "debugs", " debug", "9", "trace"}; // info
     for (size_t i = 0; i < 100; ++i)
     {
         LogStop();
@@ -120,200 +144,72 @@ TEST_F(LogTest, UnusableFilesDoNotDisturb)
     }
 }
 
-TEST_F(LogTest, TheLevelMayChangeAtAnyTime)
-{
-    EXPECT_FALSE(LogSetLevel(kLogInfo)); // not running
-    ASSERT_TRUE(Start(Utf8(m_file), "info"));
-    const int levels[] = {kLogDebug1, kLogErrorLevel, -1, kLogDebug1 + 1, kLogAudit, kLogInfo};
-    for (const int level : levels)
-    {
-        EXPECT_EQ(LogSetLevel(level), level >= kLogAudit && level <= kLogDebug1) << level;
-        for (int written = kLogAudit; written <= kLogDebug1; ++written)
-        {
-            LogWrite(written, "<%d>", written);
-        }
-    }
-    LogStop();
-    std::string all;
-    for (const std::string& line : ReadLines(m_file))
-    {
-        all += line.substr(line.find('<') + 1, 1);
-    }
-    EXPECT_EQ(all,
-              "0123456789"
-              "012"
-              "012"
-              "012"
-              "0"
-              "012345");
-}
-
-// The message of a line, behind time, level, process and thread.
-std::string MessageOf(const std::string& line)
-{
-    size_t place = 0;
-    for (int blanks = 0; blanks < 4; ++blanks)
-    {
-        place = line.find(' ', place) + 1;
-    }
-    return line.substr(place);
-}
-
 TEST_F(LogTest, IdenticalLinesAreFolded)
 {
     ASSERT_TRUE(
         LogStart("test", Settings(Utf8(m_file), {{kLogThrottleLinesKey, "3"}, {kLogThrottleSecondsKey, "3600"}})));
-    const auto say = [](const char* text)
+    const auto say = [](int) // the same line in all threads
     {
         for (int i = 0; i < 5; ++i)
         {
-            LogWrite(kLogErrorLevel, "%s, failed with %d.\n", text, 5);
+            LogWrite(kLogErrorLevel, "<%s failed with %d>\n", "Open", 5);
         }
     };
-    say("Open");
-    LogWrite(kLogErrorLevel, "%s, failed with %d.\n", "Open", 6);
-    LogSetLevel(kLogDebug);
-    say("Close");
+    InThreads(4, say);
+    LogWrite(kLogErrorLevel, "<%s failed with %d>\n", "Open", 6);
     LogStop();
-    std::vector<std::string> messages;
+    std::string all;
     for (const std::string& line : ReadLines(m_file))
     {
-        messages.push_back(MessageOf(line));
-        EXPECT_EQ(line.substr(25, 6), "error "); // also of the folded ones
+        all += line.substr(25, 6) + line.substr(std::min(line.find('<'), line.find("message"))) + '|';
     }
-    const std::string open = "Open, failed with 5.";
-    const std::string close = "Close, failed with 5.";
-    EXPECT_THAT(messages,
-                testing::ElementsAre(open,
-                                     open,
-                                     open,
-                                     "Open, failed with 6.",
-                                     "message repeated 2 times in 3600 s: " + open,
-                                     close,
-                                     close,
-                                     close,
-                                     "message repeated 2 times in 3600 s: " + close));
+    const std::string open = "error <Open failed with 5>|";
+    EXPECT_EQ(all,
+              open + open + open + "error <Open failed with 6>|" +
+                  "error message repeated 17 times in 3600 s: <Open failed with 5>|");
 }
 
-// By default, a call that fails in a loop leaves 500 lines and one.
-TEST_F(LogTest, ALoopOfFailuresDoesNotFillTheDisk)
+std::string Show(const LogSettings& s)
 {
-    ASSERT_TRUE(Start(Utf8(m_file)));
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < 4; ++t)
-    {
-        threads.emplace_back(
-            []
-            {
-                for (int i = 0; i < 2500; ++i)
-                {
-                    LogWrite(kLogErrorLevel, "%s, the printer does not answer.\n", "Print");
-                }
-            });
-    }
-    threads.clear(); // waits for them
-    LogStop();
-    const std::vector<std::string> lines = ReadLines(m_file);
-    EXPECT_EQ(lines.size(), 501U);
-    EXPECT_EQ(MessageOf(lines.back()), "message repeated 9500 times in 10 s: Print, the printer does not answer.");
+    std::string text;
+    FormatString(text, "%d %s %d %u ", s.level, s.file == nullptr ? "none" : "file", s.ownFile ? 1 : 0, s.rotateBytes);
+    std::string more;
+    FormatString(more, "%u %u %u %u", s.keepRotated, s.keepFiles, s.throttleLines, s.throttleSeconds);
+    return text + more;
 }
 
 TEST(LogSettingsTest, WhatIsNoNumberInTheRangeCountsAsMissing)
 {
-    const char* const wrong[] = {"", " ", "x", "-1", "1x", "1.5", "4294967296", "99999999999999999999"};
-    for (const char* text : wrong)
-    {
-        Dictionary dictionary;
-        for (const char* key : {kLogFileLevelKey,
-                                kLogOwnFileKey,
+    constexpr char kDefaults[] = "5 none 0 10485760 5 50 500 10";
+    EXPECT_EQ(Show(ReadLogSettings(Dictionary())), kDefaults);
+    const char* const keys[] = {kLogOwnFileKey,
                                 kLogRotateBytesKey,
                                 kLogKeepRotatedKey,
                                 kLogKeepFilesKey,
                                 kLogThrottleLinesKey,
-                                kLogThrottleSecondsKey})
-        {
-            dictionary.Set(key, text);
-        }
-        for (const LogSettings& settings : {ReadLogSettings(dictionary), ReadLogSettings(Dictionary())})
-        {
-            EXPECT_EQ(settings.level, kLogInfo) << text;
-            EXPECT_EQ(settings.file, nullptr);
-            EXPECT_FALSE(settings.ownFile);
-            EXPECT_EQ(settings.rotateBytes, 10'485'760U);
-            EXPECT_EQ(settings.keepRotated, 5U);
-            EXPECT_EQ(settings.keepFiles, 50U);
-            EXPECT_EQ(settings.throttleLines, 500U);
-            EXPECT_EQ(settings.throttleSeconds, 10U);
-        }
-    }
-    const LogSettings most = ReadLogSettings(Settings("a.log",
-                                                      {{kLogOwnFileKey, "1"},
-                                                       {kLogRotateBytesKey, "4294967295"},
-                                                       {kLogKeepRotatedKey, "999"},
-                                                       {kLogKeepFilesKey, "0"},
-                                                       {kLogThrottleLinesKey, "0"},
-                                                       {kLogThrottleSecondsKey, "86400"}}));
-    EXPECT_TRUE(most.ownFile);
-    EXPECT_EQ(most.rotateBytes, 4'294'967'295U);
-    EXPECT_EQ(most.keepRotated, 999U);
-    EXPECT_EQ(most.keepFiles, 0U);
-    EXPECT_EQ(most.throttleLines, 0U);
-    EXPECT_EQ(most.throttleSeconds, 86'400U);
-    EXPECT_EQ(ReadLogSettings(Settings("", {{kLogKeepRotatedKey, "1000"}})).keepRotated, 5U);
-    EXPECT_EQ(ReadLogSettings(Settings("", {{kLogThrottleSecondsKey, "86401"}})).throttleSeconds, 10U);
-}
-
-// A line of a thread; short lines and such on the heap.
-std::string LineOf(int thread, int number)
-{
-    const std::string filler(static_cast<size_t>(thread) * 150, static_cast<char>('a' + thread));
-    return "<" + std::to_string(thread) + " " + std::to_string(number) + " " + filler + ">";
-}
-
-TEST_F(LogTest, LinesOfManyThreadsNeitherMixNorGetLost)
-{
-    constexpr int kThreads = 16;
-    constexpr int kLines = 500;
-    ASSERT_TRUE(Start(Utf8(m_file)));
-    std::vector<std::jthread> threads;
-    for (int t = 0; t < kThreads; ++t)
+                                kLogThrottleSecondsKey};
+    for (const char* text : {"", " ", "x", "-1", "1x", "1.5", "4294967296", "99999999999999999999"})
     {
-        threads.emplace_back(
-            [t]
-            {
-                for (int i = 0; i < kLines; ++i)
-                {
-                    LogWrite(kLogInfo, "%s\n", LineOf(t, i).c_str());
-                }
-            });
-    }
-    threads.clear(); // waits for them
-    int next[kThreads] = {};
-    for (const std::string& line : ReadLines(m_file))
-    {
-        const size_t begin = line.find('<');
-        const int t = std::atoi(line.c_str() + begin + 1);
-        ASSERT_TRUE(t >= 0 && t < kThreads) << line;
-        ASSERT_EQ(line.substr(begin), LineOf(t, next[t]++)); // each thread's lines in their order
-    }
-    EXPECT_THAT(next, testing::Each(kLines));
-}
-
-TEST_F(LogTest, NothingIsLostWhenTheProcessIsGoneAtOnce)
-{
-    const auto logAndDie = [this]
-    {
-        Start(Utf8(m_file));
-        for (int i = 0; i < 1000; ++i)
+        Dictionary wrong;
+        wrong.Set(kLogFileLevelKey, text);
+        for (const char* key : keys)
         {
-            LogWrite(kLogInfo, "<%d>\n", i);
+            wrong.Set(key, text);
         }
-        std::_Exit(42); // without a chance to write anything that it still holds
-    };
-    EXPECT_EXIT(logAndDie(), testing::ExitedWithCode(42), "");
-    const std::vector<std::string> lines = ReadLines(m_file);
-    ASSERT_EQ(lines.size(), 1000U);
-    EXPECT_TRUE(lines.back().ends_with(" <999>")) << lines.back();
+        EXPECT_EQ(Show(ReadLogSettings(wrong)), kDefaults) << text;
+    }
+    const char* const values[][6] = {{"1", "4294967295", "999", "0", "0", "86400"},
+                                     {"2", "0x100", "1000", " 7 ", "+8", "86401"}};
+    const char* const read[] = {"9 file 1 4294967295 999 0 0 86400", "9 file 0 256 5 7 8 10"};
+    for (size_t i = 0; i < std::size(read); ++i)
+    {
+        Dictionary settings = Settings("a.log");
+        for (size_t key = 0; key < std::size(keys); ++key)
+        {
+            settings.Set(keys[key], values[i][key]);
+        }
+        EXPECT_EQ(Show(ReadLogSettings(settings)), read[i]);
+    }
 }
 
 #ifndef _WIN32

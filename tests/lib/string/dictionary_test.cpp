@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <optional>
+#include <sstream>
 
 namespace tsypr
 {
@@ -25,35 +26,30 @@ TEST(Dictionary, ReadsValuesAsTypes)
     constexpr int64_t kNoNumber = -77;
     constexpr uint32_t kNoSmall = 7;
     constexpr double kNoReal = -0.5;
-    const Case cases[] = {{" 42\t", 42, 42, 42, -1},
-                          {"+10", 10, 10, 10, -1},
-                          {"0x1F", 31, 31, kNoReal, -1},
-                          {"-0Xa", -10, kNoSmall, kNoReal, -1},
-                          {"100", 100, 100, 100, -1},
-                          {"101", 101, kNoSmall, 101, -1},
-                          {"1", 1, kNoSmall, 1, 1},
-                          {"0", 0, kNoSmall, 0, 0},
-                          {"9223372036854775807", INT64_MAX, kNoSmall, 9223372036854775807.0, -1},
-                          {"-9223372036854775808", INT64_MIN, kNoSmall, -9223372036854775808.0, -1},
-                          {"9223372036854775808", kNoNumber, kNoSmall, 9223372036854775808.0, -1},
-                          {"4294967306", 4294967306, kNoSmall, 4294967306.0, -1}, // 10 in 32 bits
-                          {"2.5e1", kNoNumber, kNoSmall, 25, -1},
-                          {"2,5", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"1e999", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"inf", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"nan", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"+-5", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"0x", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"5 0", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"", kNoNumber, kNoSmall, kNoReal, -1},
-                          {"+", kNoNumber, kNoSmall, kNoReal, -1},
-                          {" TRUE", kNoNumber, kNoSmall, kNoReal, 1},
-                          {"Yes", kNoNumber, kNoSmall, kNoReal, 1},
-                          {"on", kNoNumber, kNoSmall, kNoReal, 1},
-                          {"oFF", kNoNumber, kNoSmall, kNoReal, 0},
-                          {"no", kNoNumber, kNoSmall, kNoReal, 0},
-                          {"false ", kNoNumber, kNoSmall, kNoReal, 0},
-                          {"truer", kNoNumber, kNoSmall, kNoReal, -1}};
+    std::vector<Case> cases = {{" 42\t", 42, 42, 42, -1},
+                               {"+10", 10, 10, 10, -1},
+                               {"0x1F", 31, 31, kNoReal, -1},
+                               {"-0Xa", -10, kNoSmall, kNoReal, -1},
+                               {"100", 100, 100, 100, -1},
+                               {"101", 101, kNoSmall, 101, -1},
+                               {"1", 1, kNoSmall, 1, 1},
+                               {"0", 0, kNoSmall, 0, 0},
+                               {"9223372036854775807", INT64_MAX, kNoSmall, 9223372036854775807.0, -1},
+                               {"-9223372036854775808", INT64_MIN, kNoSmall, -9223372036854775808.0, -1},
+                               {"9223372036854775808", kNoNumber, kNoSmall, 9223372036854775808.0, -1},
+                               {"4294967306", 4294967306, kNoSmall, 4294967306.0, -1}, // 10 in 32 bits
+                               {"2.5e1", kNoNumber, kNoSmall, 25, -1}};
+    const std::pair<int, std::vector<const char*>> others[] = {
+        {1, {" TRUE", "Yes", "on"}},
+        {0, {"oFF", "no", "false "}},
+        {-1, {"2,5", "1e999", "inf", "nan", "+-5", "0x", "5 0", "", "+", "truer"}}};
+    for (const auto& [yes, texts] : others)
+    {
+        for (const char* const text : texts)
+        {
+            cases.push_back({text, kNoNumber, kNoSmall, kNoReal, yes});
+        }
+    }
     for (const Case& c : cases)
     {
         Dictionary values;
@@ -99,22 +95,10 @@ TEST(Dictionary, EveryValueComesBack)
         bytes.push_back(static_cast<char>(i));
     }
     Dictionary values;
-    for (const char* text : {"",
-                             " ",
-                             "D:\\logs\\new.log",
-                             "\\\\server\\share\\",
-                             "\\",
-                             "\\\\\\",
-                             "\"",
-                             "\\\"",
-                             "a\\\nb",
-                             "\\<0A>",
-                             "\\\\<0A>",
-                             "\xC3\xA4\\\xE2\x82\xAC",
-                             "\x80\\\xFF",
-                             "# = \"x\"",
-                             "\r\n\t",
-                             "\xEF\xBB\xBF"})
+    std::istringstream texts("| "
+                             "|D:\\logs\\new.log|\\\\server\\share\\|\\|\\\\\\|\"|\\\"|a\\\nb|\\<0A>|\\\\<0A>|"
+                             "\xC3\xA4\\\xE2\x82\xAC|\x80\\\xFF|# = \"x\"|\r\n\t|\xEF\xBB\xBF");
+    for (std::string text; std::getline(texts, text, '|');)
     {
         ASSERT_TRUE(values.Set("key " + std::to_string(values.Size()), text));
     }
@@ -152,20 +136,46 @@ TEST(KeyValueText, IsWrittenTheWayPeopleWriteIt)
     }
 }
 
-TEST(KeyValueText, DamagedLinesAreNamed)
+TEST(KeyValueText, LinesAreReadAndDamagedOnesSkipped)
 {
     using namespace std::string_view_literals;
+    struct Case
+    {
+        std::string_view text;
+        const char* value; // of the key "a.b"; null: none
+        size_t damaged;
+    };
+    const Case cases[] = {
+        {"\t a.b \t=\t \"c\" \t\r\n", "c", 0},
+        {"\xEF\xBB\xBF a.b=\"c\"", "c", 0},
+        {"# a.b = \"no\"\n\n  # a.b = \"no\"\n \t\r\na.b = \"c\"\n", "c", 0},
+        {"a.b = \"1\"\na.b = \"2\"\n", "2", 0},
+        {"a.c = \"1\"\nA.B = \"2\"\n", nullptr, 0},
+        {R"(a.b = "")", "", 0},
+        {R"(a.b = " = # ")", " = # ", 0},
+        {R"(a.b = "D:\logs\new.log")", R"(D:\logs\new.log)", 0},
+        {R"(a.b = "\"D:\logs\\")", R"("D:\logs\)", 0},
+        {R"(a.b = "D:\logs\")", nullptr, 1}, // the quote is escaped, the value has no end
+        {"a.b = \"\xE6\x97\xA5\"", "\xE6\x97\xA5", 0},
+        {"a.b = c\na.b = \"\na.b = \"c\" d\na.b =\na.b\n = \"c\"\na.b \"c\"", nullptr, 7},
+        {"=\nx\na.b = \"1\"\n\"\na.b = 2\n", "1", 4}, // a damaged line takes nothing back
+        {"a.b=\"\xE4\"\na.b=\"\0\""sv, nullptr, 2},
+        {"a.b=\"\\<0g>\\<4\\\"\"", "\\<0g>\\<4\"", 0},
+    };
+    for (const Case& c : cases)
+    {
+        Dictionary values;
+        EXPECT_EQ(values.Load(c.text), c.damaged) << c.text;
+        EXPECT_STREQ(values.Get("a.b"), c.value) << c.text;
+    }
+}
+
+TEST(KeyValueText, DamagedLinesAreNamed)
+{
     Dictionary values;
     std::vector<size_t> damaged;
-    EXPECT_EQ(
-        values.Load("\xEF\xBB\xBF# one\r\na = \"1\r\nb = \"2\"\r\n\r\nc=\"\xE4\"\nd=\"\0\"\ne=\"\\<0g>\\<4\\\"\""sv,
-                    &damaged),
-        3U);
-    EXPECT_EQ(damaged, (std::vector<size_t>{2, 5, 6}));
-    EXPECT_STREQ(values.Get("b"), "2");
-    EXPECT_STREQ(values.Get("e"), "\\<0g>\\<4\"");
-    EXPECT_EQ(values.Size(), 2U);
-
+    EXPECT_EQ(values.Load("\xEF\xBB\xBF# one\r\na = \"1\r\nb = \"2\"\r\n\r\nc\n", &damaged), 2U);
+    EXPECT_EQ(damaged, (std::vector<size_t>{2, 5}));
     std::string many;
     for (int i = 0; i < 1000; ++i)
     {

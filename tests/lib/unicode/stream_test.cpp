@@ -35,29 +35,28 @@ constexpr std::string_view kUtf8Texts[] = {"a\xC3\xBC\xE4\xB8\xAD\xF0\x9F\x98\x8
 
 TEST(UtfStream, CutsDoNotShow)
 {
+    const auto check = [](auto text, auto whole, auto convert)
+    {
+        using From = typename decltype(text)::value_type;
+        using To = typename decltype(whole)::value_type;
+        UtfStream<From, To> stream(kLenient);
+        const CodeSetResult result = convert(text, whole, kLenient);
+        CheckCuts(stream, text, whole, result);
+    };
+    using Convert8 = CodeSetResult (*)(std::string_view, Utf16String&, CodeSetMode) noexcept;
     for (const std::string_view text : kUtf8Texts)
     {
-        Utf16String wide;
-        std::u32string wider;
-        UtfStream<char, Utf16Unit> toWide(kLenient);
-        UtfStream<char, char32_t> toWider(kLenient);
-        CheckCuts(toWide, text, wide, CodeSet_Utf8ToUtf16(text, wide, kLenient));
-        CheckCuts(toWide, text, wide, CodeSet_Utf8ToUtf16(text, wide, kLenient));
-        CheckCuts(toWider, text, wider, CodeSet_Utf8ToUtf32(text, wider, kLenient));
+        check(text, Utf16String(), Convert8(CodeSet_Utf8ToUtf16));
+        check(text, std::u32string(), CodeSet_Utf8ToUtf32);
     }
+    using Convert16 = CodeSetResult (*)(Utf16View, std::string&, CodeSetMode) noexcept;
     for (const std::u16string_view units : {u"\u00FC\U0001F600\u4E2D"sv, u"\xD83D\xD83D\xDE00\xDE00z\xD83D"sv})
     {
         const Utf16String text = Wide(units);
-        std::string narrow;
-        std::u32string wider;
-        UtfStream<Utf16Unit, char> toNarrow(kLenient);
-        UtfStream<Utf16Unit, char32_t> toWider(kLenient);
-        CheckCuts(toNarrow, Utf16View(text), narrow, CodeSet_Utf16ToUtf8(text, narrow, kLenient));
-        CheckCuts(toWider, Utf16View(text), wider, CodeSet_Utf16ToUtf32(text, wider, kLenient));
+        check(Utf16View(text), std::string(), Convert16(CodeSet_Utf16ToUtf8));
+        check(Utf16View(text), std::u32string(), CodeSet_Utf16ToUtf32);
     }
-    Utf16String wide;
-    UtfStream<char32_t, Utf16Unit> toWide(kLenient);
-    CheckCuts(toWide, U"a\U0001F600"sv, wide, CodeSet_Utf32ToUtf16(U"a\U0001F600", wide, kLenient));
+    check(U"a\U0001F600"sv, Utf16String(), CodeSet_Utf32ToUtf16);
 }
 
 TEST(UtfStream, StrictStopsAndStartsAgain)

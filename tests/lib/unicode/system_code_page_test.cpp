@@ -14,33 +14,28 @@ TEST(SystemCodePage, SameResultsAsOurTables)
 {
     const std::string_view texts[] = {
         "plain", "", "\x88\xF3\xB1\x8D\xFC", "a\x81\x20z", "a\x88", "\xB0\xA1\xB0", "\xFDz\x81\x31", "\xA6\x4C"};
+    const std::u16string_view wideTexts[] = {
+        u"a\u5370\u0100", u"\U0001F600z", u"\u00FC\xD83D", u"\xDE00\xD83Dz", u"\u00AD\u20AC", u"plain", u""};
+    const auto compare = [](unsigned page, auto text, auto ours, auto convert, auto convertBySystem)
+    {
+        for (const CodeSetMode mode : {kStrict, kLenient})
+        {
+            auto system = decltype(ours)(3, 'x');
+            const CodeSetResult expected = convert(page, text, ours, mode);
+            EXPECT_EQ(convertBySystem(page, text, system, mode), expected) << page;
+            EXPECT_EQ(system, ours) << page << " " << testing::PrintToString(text);
+        }
+    };
     for (const unsigned page : {1252U, 932U, 936U, 949U, 950U, kCodePageUtf8})
     {
         for (const std::string_view text : texts)
         {
-            SCOPED_TRACE(testing::Message() << page << " " << testing::PrintToString(text));
-            for (const CodeSetMode mode : {kStrict, kLenient})
-            {
-                Utf16String system = Wide(u"old");
-                Utf16String ours;
-                const CodeSetResult expected = CodeSet_PageToUtf16(page, text, ours, mode);
-                EXPECT_EQ(SystemPageToUtf16(page, text, system, mode), expected);
-                EXPECT_EQ(system, ours);
-            }
+            compare(page, text, Utf16String(), CodeSet_PageToUtf16, SystemPageToUtf16);
         }
-        for (const std::u16string_view units :
-             {u"a\u5370\u0100", u"\U0001F600z", u"\u00FC\xD83D", u"\xDE00\xD83Dz", u"\u00AD\u20AC", u"plain", u""})
+        for (const std::u16string_view units : wideTexts)
         {
-            SCOPED_TRACE(page);
             const Utf16String text = Wide(units);
-            for (const CodeSetMode mode : {kStrict, kLenient})
-            {
-                std::string system = "old";
-                std::string ours;
-                const CodeSetResult expected = CodeSet_Utf16ToPage(page, text, ours, mode);
-                EXPECT_EQ(Utf16ToSystemPage(page, text, system, mode), expected);
-                EXPECT_EQ(system, ours);
-            }
+            compare(page, Utf16View(text), std::string(), CodeSet_Utf16ToPage, Utf16ToSystemPage);
         }
     }
     Utf16String wide;
@@ -52,50 +47,29 @@ TEST(CodeSetMemory, RunsOutAnywhere)
 {
     const std::string text(100, 'x');
     const Utf16String wideText(100, L'x');
-    const std::function<CodeSetStatus()> conversions[] = {
-        [&]
-        {
-            Utf16String out;
-            return CodeSet_Utf8ToUtf16(text, out, kLenient).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_Utf16ToUtf8(wideText, out, kStrict).status;
-        },
-        [&]
-        {
-            Utf16String out;
-            return CodeSet_PageToUtf16(936, text, out, kStrict).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_Utf8ToPage(932, text, out, kStrict).status;
-        },
-        [&]
-        {
-            std::string out;
-            return CodeSet_ProcessToUtf8(text, out, kStrict).status;
-        },
-        [&]
-        {
-            Utf16String out;
-            return UtfStream<char, Utf16Unit>(kStrict).Append(text, out).status;
-        },
+    using Convert = std::function<CodeSetResult(std::string&, Utf16String&)>;
+    const Convert conversions[] = {
+        [&](auto&, auto& out) { return CodeSet_Utf8ToUtf16(text, out, kLenient); },
+        [&](auto& out, auto&) { return CodeSet_Utf16ToUtf8(wideText, out, kStrict); },
+        [&](auto&, auto& out) { return CodeSet_PageToUtf16(936, text, out, kStrict); },
+        [&](auto& out, auto&) { return CodeSet_Utf8ToPage(932, text, out, kStrict); },
+        [&](auto& out, auto&) { return CodeSet_ProcessToUtf8(text, out, kStrict); },
+        [&](auto&, auto& out) { return UtfStream<char, Utf16Unit>(kStrict).Append(text, out); },
     };
     // Hold the converters that are open, so that new ones have to be opened. (Opening the very first is left out: the
     // compiler's own threading functions do not survive that.)
     const CodePageDecoder held936(936, kStrict);
     const CodePageDecoder held932(932, kStrict);
-    for (const auto& convert : conversions)
+    for (const Convert& convert : conversions)
     {
         CodeSetStatus status = CodeSetStatus::OutOfMemory;
         long n = 0;
         for (; status == CodeSetStatus::OutOfMemory && n < 100; ++n)
         {
+            std::string narrow;
+            Utf16String wide;
             const test::AllocationFault fault(n);
-            status = convert();
+            status = convert(narrow, wide).status;
         }
         EXPECT_EQ(status, CodeSetStatus::Ok);
         EXPECT_GT(n, 1);

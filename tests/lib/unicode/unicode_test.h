@@ -12,11 +12,6 @@
 namespace tsypr
 {
 
-inline bool operator==(const CodeSetResult& a, const CodeSetResult& b)
-{
-    return a.status == b.status && a.replacements == b.replacements && a.firstBadOffset == b.firstBadOffset;
-}
-
 inline std::ostream& operator<<(std::ostream& out, const CodeSetResult& result)
 {
     return out << "status " << static_cast<int>(result.status) << ", " << result.replacements << " replaced, first at "
@@ -28,6 +23,19 @@ inline Utf16String Wide(std::u16string_view text)
 {
     return {text.begin(), text.end()};
 }
+
+// The same with "#" for U+FFFD, and how many of these there are.
+struct Pattern
+{
+    explicit Pattern(std::u16string_view pattern) : text(Wide(pattern))
+    {
+        count = static_cast<size_t>(std::ranges::count(text, Utf16Unit{'#'}));
+        std::ranges::replace(text, Utf16Unit{'#'}, static_cast<Utf16Unit>(0xFFFD));
+    }
+
+    Utf16String text;
+    size_t count = 0;
+};
 
 inline constexpr CodeSetMode kStrict = CodeSetMode::Strict;
 inline constexpr CodeSetMode kLenient = CodeSetMode::Lenient;

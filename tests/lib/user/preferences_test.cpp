@@ -1,50 +1,19 @@
 #include "lib/user/preferences.h"
 
+#include "lib/file/append_file.h"
 #include "lib/file/fault_plan.h"
 #include "lib/file/file_lock.h"
 #include "lib/file/read_file.h"
 #include "lib/string/dictionary_file.h"
+#include "tests/lib/child_process.h"
 #include "tests/lib/user/user_test.h"
 
-namespace tsypr
+#include <random>
+
+namespace tsypr::test
 {
 namespace
 {
-
-TEST(Preferences, ReadsLines)
-{
-    struct Case
-    {
-        const char* text;
-        const char* value; // of the key "a.b"; null: none
-        size_t damaged;
-    };
-    const Case cases[] = {
-        {"\t a.b \t=\t \"c\" \t\r\n", "c", 0},
-        {"\xEF\xBB\xBF a.b=\"c\"", "c", 0},
-        {"# a.b = \"no\"\n\n  # a.b = \"no\"\n \t\r\na.b = \"c\"\n", "c", 0},
-        {"a.b = \"1\"\na.b = \"2\"\n", "2", 0},
-        {"a.c = \"1\"\nA.B = \"2\"\n", nullptr, 0},
-        {R"(a.b = "")", "", 0},
-        {R"(a.b = " = # ")", " = # ", 0},
-        {R"(a.b = "D:\logs\new.log")", R"(D:\logs\new.log)", 0},
-        {R"(a.b = "\"D:\logs\\")", R"("D:\logs\)", 0},
-        {R"(a.b = "D:\logs\")", nullptr, 1}, // the quote is escaped, the value has no end
-        {"a.b = \"\xE6\x97\xA5\"", "\xE6\x97\xA5", 0},
-        {"a.b = c\na.b = \"\na.b = \"c\" d\na.b =\na.b\n = \"c\"\na.b \"c\"", nullptr, 7},
-        {"=\nx\na.b = \"1\"\n\"\na.b = 2\n", "1", 4}, // a damaged line takes nothing back
-    };
-    for (const Case& c : cases)
-    {
-        Dictionary values;
-        EXPECT_EQ(ParsePreferences(c.text, values), c.damaged) << c.text;
-        EXPECT_STREQ(values.Get("a.b"), c.value) << c.text;
-    }
-}
-
-using test::MachineSetting;
-using test::ScratchFolder;
-using test::Utf8;
 
 std::string Value(const char* key)
 {
@@ -69,13 +38,13 @@ struct Store
 {
     Store()
     {
-        test::SetVariable(test::kUserVariable, Utf8(scratch / "user"));
+        SetVariable(kUserVariable, Utf8(scratch / "user"));
         PreferencesStart();
     }
     ~Store()
     {
         PreferencesStop();
-        test::SetVariable(test::kUserVariable, "");
+        SetVariable(kUserVariable, "");
     }
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
@@ -83,7 +52,7 @@ struct Store
     const ScratchFolder scratch{"preferences"};
     const MachineSetting setting{scratch.path};
     const std::filesystem::path machineFile = scratch / "preferences.conf";
-    const std::filesystem::path userFile = scratch / "user" / test::kUserFolder / "preferences.conf";
+    const std::filesystem::path userFile = scratch / "user" / kUserFolder / "preferences.conf";
 };
 
 TEST(Preferences, UserWins)
@@ -127,7 +96,7 @@ TEST(Preferences, ReloadReportsWhatIsWrong)
     EXPECT_EQ(Value("a") + Value("d"), "14"); // as before
     {
         FileFaultPlan plan;
-        plan.Fail(FileOperation::Read, test::kDenied);
+        plan.Fail(FileOperation::Read, FileError::AccessDenied);
         EXPECT_EQ(PreferencesReload().error, FileError::AccessDenied);
     }
     std::filesystem::remove(store.userFile);
@@ -150,7 +119,7 @@ TEST(Preferences, ChangesAreSeenAndKeepTheRest)
     EXPECT_EQ(Value("a"), "2");
     EXPECT_EQ(ReadFile(store.userFile), "");
     EXPECT_EQ(WritePreference(PreferenceScope::Machine, "a=b", "2").error, FileError::InvalidArgument);
-    test::SetVariable(test::kUserVariable, "");
+    SetVariable(kUserVariable, "");
     EXPECT_EQ(WritePreference(PreferenceScope::User, "a", "2").error, FileError::NotFound);
 }
 
@@ -171,20 +140,12 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
 
     constexpr std::string_view kOld = "# old\nb = \"2\"";
     WriteFile(file, kOld);
-    struct Fault
-    {
-        FileOperation operation;
-        int code;
-        FileError error;
-    };
-    for (const Fault& fault : {Fault{FileOperation::Read, test::kDenied, FileError::AccessDenied},
-                               Fault{FileOperation::Write, test::kOutOfDisk, FileError::DiskFull},
-                               Fault{FileOperation::Flush, test::kOutOfDisk, FileError::DiskFull},
-                               Fault{FileOperation::Rename, test::kDenied, FileError::AccessDenied}})
+    for (const FileOperation operation :
+         {FileOperation::Read, FileOperation::Write, FileOperation::Flush, FileOperation::Rename})
     {
         FileFaultPlan plan;
-        plan.Fail(fault.operation, static_cast<uint32_t>(fault.code), 1, FileFaultPlan::kAlways);
-        EXPECT_EQ(set(), fault.error);
+        plan.Fail(operation, FileError::DiskFull, 1, FileFaultPlan::kAlways);
+        EXPECT_EQ(set(), FileError::DiskFull);
     }
     EXPECT_EQ(ReadFile(file), kOld);
     {
@@ -192,13 +153,10 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
         ASSERT_TRUE(other.Acquire((path + ".lock").c_str(), LockMode::Exclusive, 0).Ok());
         EXPECT_EQ(set(20), FileError::TimedOut);
     }
-    for (const std::string& text : {std::string(1024 * 1024 - 7, '\n'),
-                                    std::string("\xFF\xFE"
-                                                "a\0=\0",
-                                                6)})
+    for (const std::string& text : {std::string(1024 * 1024 - 7, '\n'), std::string("\xFF\xFE#\0", 4)})
     {
         WriteFile(file, text);
-        EXPECT_EQ(set(), text.size() > 6 ? FileError::TooLarge : FileError::Other);
+        EXPECT_EQ(set(), text.size() > 4 ? FileError::TooLarge : FileError::Other);
         EXPECT_TRUE(ReadFile(file) == text);
     }
     WriteFile(file, kOld);
@@ -218,5 +176,51 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
     EXPECT_EQ(LoadDictionary(Utf8(scratch / "none").c_str(), values).error, FileError::NotFound);
 }
 
+constexpr std::string_view kStart = "# This comment stays.\r\n\r\nkept = \"\\\\server\\x\" \r\ndamaged\r\n";
+
+// What several processes do at the same time: tests/lib/stress.
+TEST(PreferenceFile, DyingProcessesLoseNothing)
+{
+    const char* const wanted = std::getenv("TESSARY_KILLS"); // NOLINT(concurrency-mt-unsafe)
+    const int kills = wanted != nullptr ? std::atoi(wanted) : 20;
+    const ScratchFolder scratch("preference-kills");
+    const std::string file = Utf8(scratch / "preferences.conf");
+    std::ofstream(scratch / "preferences.conf", std::ios::binary) << kStart;
+    std::mt19937 random(4711); // NOLINT(cert-msc51-cpp): the same in every run
+    for (int kill = 0; kill < kills; ++kill)
+    {
+        const std::filesystem::path acknowledged = scratch / ("acknowledged-" + std::to_string(kill));
+        KillAtWork({"count-for-ever", file, Utf8(acknowledged)}, acknowledged, static_cast<int>(random() % 8000));
+        std::string text;
+        ASSERT_TRUE(ReadWholeFile(file.c_str(), kMaxKeyValueFileBytes, text));
+        EXPECT_TRUE(text.starts_with(kStart)) << kill;
+        Dictionary values;
+        EXPECT_EQ(values.Load(text), 1U);
+        EXPECT_GE(values.GetInt64("count", 0), std::stoll(ReadLines(acknowledged).back()));
+    }
+}
+
 } // namespace
-} // namespace tsypr
+
+// Counts up for ever and notes every number once it is written.
+int RunChild(const std::vector<std::string>& arguments)
+{
+    AppendFile notes;
+    notes.Open(arguments[2].c_str());
+    for (unsigned count = 1;; ++count)
+    {
+        const std::string number = std::to_string(count);
+        if (!SetPreferenceInFile(arguments[1].c_str(), "count", number, 60'000).Ok() ||
+            !notes.Append((number + "\n").data(), number.size() + 1))
+        {
+            return 1;
+        }
+    }
+}
+
+} // namespace tsypr::test
+
+int main(int argc, char** argv)
+{
+    return tsypr::test::RunTestsOrChild(argc, argv);
+}

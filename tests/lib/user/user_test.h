@@ -2,42 +2,24 @@
 #ifndef TESSARY_TESTS_LIB_USER_USER_TEST_H
 #define TESSARY_TESTS_LIB_USER_USER_TEST_H
 
-#include "lib/file/file_result.h"
 #include "tests/lib/test_files.h"
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <cstdlib>
-#include <ostream>
 #include <stdexcept>
 
 #ifdef _WIN32
 #include <windows.h>
 #endif
 
-namespace tsypr
-{
-
-inline void PrintTo(FileError error, std::ostream* out)
-{
-    *out << FileErrorText(error);
-}
-
-} // namespace tsypr
-
 namespace tsypr::test
 {
 
-inline constexpr int kOutOfDisk =
 #ifdef _WIN32
-    ERROR_DISK_FULL;
-inline constexpr int kDenied = ERROR_ACCESS_DENIED;
 inline constexpr char kUserVariable[] = "APPDATA";
 inline constexpr char kUserFolder[] = "Zelmora/Tessary";
 #else
-    ENOSPC;
-inline constexpr int kDenied = EACCES;
 inline constexpr char kUserVariable[] = "HOME";
 inline constexpr char kUserFolder[] = ".config/zelmora/tessary";
 #endif
