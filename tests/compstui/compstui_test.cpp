@@ -189,10 +189,7 @@ protected:
             return innerGroup != 0 ? 1 : 0;
         };
         inner.on[PROPSHEETUI_REASON_INIT] = [this](PROPSHEETUI_INFO&, LPARAM)
-        {
-            first.Add();
-            return second.Add() != nullptr ? 1 : 0;
-        };
+        { return first.Add() != nullptr && second.Add() != nullptr ? 1 : 0; };
     }
 
     LONG_PTR AskOuter(UINT function, LPARAM lParam1 = 0, LPARAM lParam2 = 0)
@@ -298,8 +295,17 @@ TEST_F(NestedSheet, PagesComeAndGoWhileTheSheetIsOpen)
         });
 }
 
-TEST_F(NestedSheet, DeletedGroupIsTold)
+TEST_F(NestedSheet, GroupThatFailsOrIsDeletedLeavesNoPages)
 {
+    const Describer::Action describe = inner.on[PROPSHEETUI_REASON_INIT];
+    inner.on[PROPSHEETUI_REASON_INIT] = [&](PROPSHEETUI_INFO& info, LPARAM lParam)
+    { return describe(info, lParam) - 2; };
+    EXPECT_EQ(ShowSheet(outer).answer, CPSUI_CANCEL);
+    EXPECT_EQ(innerGroup, 0);
+    EXPECT_THAT(events, ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "inner DESTROY", "outer DESTROY"));
+    events.clear();
+    inner.group = nullptr;
+    inner.on[PROPSHEETUI_REASON_INIT] = describe;
     outer.on[PROPSHEETUI_REASON_GET_INFO_HEADER] = [this](PROPSHEETUI_INFO&, LPARAM)
     {
         Page rest(outer, kFirstPage);
@@ -316,18 +322,6 @@ TEST_F(NestedSheet, DeletedGroupIsTold)
     EXPECT_THAT(
         events,
         ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "outer HEADER", "inner DESTROY", "outer DESTROY"));
-}
-
-TEST_F(NestedSheet, FailedGroupLeavesNoPages)
-{
-    inner.on[PROPSHEETUI_REASON_INIT] = [this](PROPSHEETUI_INFO&, LPARAM)
-    {
-        first.Add();
-        return -1;
-    };
-    EXPECT_EQ(ShowSheet(outer).answer, CPSUI_CANCEL);
-    EXPECT_EQ(innerGroup, 0);
-    EXPECT_THAT(events, ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "inner DESTROY", "outer DESTROY"));
 }
 
 TEST_F(NestedSheet, TextsAreCutAndFunctionsGiveIcons)

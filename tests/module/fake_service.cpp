@@ -5,7 +5,7 @@
 #include <atomic>
 #include <climits>
 #include <cstring>
-#include <string>
+#include <cwchar>
 
 namespace
 {
@@ -18,12 +18,6 @@ std::atomic<int> g_calls{0};
 template <typename Function>
 Function Installed(const char* name)
 {
-    static const HMODULE library = []
-    {
-        wchar_t path[MAX_PATH + 32];
-        path[GetSystemDirectoryW(path, MAX_PATH)] = L'\0';
-        return LoadLibraryW((std::wstring(path) + L"\\tsyprserverapi.dll").c_str());
-    }();
     if (std::strcmp(name, g_endless) == 0)
     {
         g_calls = INT_MIN;
@@ -31,7 +25,9 @@ Function Installed(const char* name)
     }
     ++g_calls;
     Sleep(g_delay);
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    wchar_t path[MAX_PATH + 32];
+    std::wcscpy(path + GetSystemDirectoryW(path, MAX_PATH), L"\\tsyprserverapi.dll");
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(path), name)));
 }
 
 } // namespace

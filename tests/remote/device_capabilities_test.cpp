@@ -183,18 +183,5 @@ TEST_F(CapabilityData, MatchedIndexIsTheFirstInsideTheReturnedBytes)
     EXPECT_EQ(2U, index);
 }
 
-TEST_F(CapabilityData, PaperDimensionsEndWithTheReturnedBytes)
-{
-    DeviceMode dm = ClientDeviceMode();
-    service.capabilities[DC_PAPERSIZE] = ListReply<POINT>(1000, {{2159, 2794}, {2100, 2970}});
-    POINT dimension = {};
-    EXPECT_TRUE(GetPaperDimensionByIndex(1, dm.Get(), &dimension));
-    EXPECT_EQ(2970, dimension.y);
-    EXPECT_EQ(Messages{}, log.TakeErrors());
-    EXPECT_FALSE(GetPaperDimensionByIndex(2, dm.Get(), &dimension));
-    EXPECT_EQ(Messages{"error GetPaperDimensionByIndex, failed to retrieve capabilities for DC_PAPERSIZE."},
-              log.TakeErrors());
-}
-
 } // namespace
 } // namespace tsypr::test

@@ -7,6 +7,7 @@
 #include "tests/remote/device_mode_builder.h"
 #include "tools/compstui/contract_exports.h"
 
+#include <process.h>
 #include <prsht.h>
 #include <psapi.h>
 #include <winspool.h>
@@ -19,8 +20,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using compstui_tests::kApplyButton;
-using compstui_tests::kCloseBox;
 using compstui_tests::Press;
 using compstui_tests::User;
 using printctl_tests::Json;
@@ -92,20 +91,20 @@ class Printer
 public:
     explicit Printer(std::wstring name) : m_name(std::move(name))
     {
-        EXPECT_TRUE(OpenPrinterW(m_name.data(), &m_printer, nullptr));
+        EXPECT_TRUE(OpenPrinterW(m_name.data(), &handle, nullptr));
         settings.resize(static_cast<size_t>(Ask(nullptr, nullptr, 0)));
         EXPECT_EQ(IDOK, Ask(Get(), nullptr, DM_OUT_BUFFER));
     }
     ~Printer()
     {
-        ClosePrinter(m_printer);
+        ClosePrinter(handle);
     }
     Printer(const Printer&) = delete;
     Printer& operator=(const Printer&) = delete;
 
     LONG Ask(DEVMODEW* out, DEVMODEW* in, DWORD mode)
     {
-        return DocumentPropertiesW(nullptr, m_printer, m_name.data(), out, in, mode);
+        return DocumentPropertiesW(nullptr, handle, m_name.data(), out, in, mode);
     }
     // Shows the sheet for the settings, which become what the user wants. Returns the user's button.
     LONG Prompt(const User::Deed& deed)
@@ -128,20 +127,11 @@ public:
                        << uint32_t{block.compression} << uint32_t{block.pagesPerSheet} << narrow(watermark)
                        << narrow(Text(block.nupLayout)) << narrow(Text(block.staple));
     }
-    // The driver's record, in the buffer.
-    DRIVER_INFO_3W& Driver(Bytes& buffer)
-    {
-        DWORD needed = 0;
-        buffer.resize(4096);
-        EXPECT_TRUE(GetPrinterDriverW(m_printer, nullptr, 3, buffer.data(), 4096, &needed));
-        return *reinterpret_cast<DRIVER_INFO_3W*>(buffer.data());
-    }
-
+    HANDLE handle = nullptr;
     Bytes settings;
 
 private:
     std::wstring m_name;
-    HANDLE m_printer = nullptr;
 };
 
 fs::path ProgramFolder()
@@ -202,17 +192,16 @@ TEST_F(Preferences, EndAsTheUserSays)
     Printer printer(kPrinter);
     const Bytes before = printer.settings;
     EXPECT_EQ(kUntouched, printer.Settings());
-    const User::Deed cancels[] = {ChooseAndPress(kAllPages, IDCANCEL),
-                                  ChooseAndPress(kAllPages, kCloseBox),
-                                  [](HWND sheet)
-                                  {
-                                      Choose(sheet, kAllPages);
-                                      PostMessageW(sheet, WM_CLOSE, 0, 0);
-                                  }};
-    for (const User::Deed& cancel : cancels)
+    for (const auto& [message, wParam] :
+         {std::pair{WM_COMMAND, IDCANCEL}, std::pair{WM_SYSCOMMAND, SC_CLOSE}, std::pair{WM_CLOSE, 0}})
     {
-        EXPECT_EQ(IDCANCEL, printer.Prompt(cancel));
-        EXPECT_EQ(before, printer.settings);
+        const auto cancel = [&](HWND sheet)
+        {
+            Choose(sheet, kAllPages);
+            PostMessageW(sheet, static_cast<UINT>(message), static_cast<WPARAM>(wParam), 0);
+        };
+        EXPECT_EQ(IDCANCEL, printer.Prompt(cancel)) << message;
+        EXPECT_EQ(before, printer.settings) << message;
     }
     EXPECT_EQ(IDOK, printer.Prompt(ChooseAndPress(kFirstPage, IDOK)));
     EXPECT_EQ("2 9 -3 1 2 4 No Watermark psk:BottomRight psk:None", printer.Settings());
@@ -290,21 +279,20 @@ TEST_F(Preferences, MayBeOpenSeveralTimesAtOnce)
 
 TEST_F(Preferences, LackTheWatermarkPageForAnotherDriver)
 {
-    Bytes buffer;
     Printer own(kPrinter);
-    DRIVER_INFO_3W& driver = own.Driver(buffer);
     wchar_t name[] = L"Foreign Driver";
-    driver.pName = name;
-    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, buffer.data(), APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY));
-    std::wstring texts[] = {kForeign, L"LPT1:", L"winprint", L"RAW"};
-    PRINTER_INFO_2W info = {};
-    info.pPrinterName = texts[0].data();
+    std::wstring printerName = kForeign;
+    alignas(8) BYTE buffer[4096];
+    DWORD needed = 0;
+    ASSERT_TRUE(GetPrinterDriverW(own.handle, nullptr, 3, buffer, sizeof(buffer), &needed));
+    reinterpret_cast<DRIVER_INFO_3W*>(buffer)->pName = name;
+    EXPECT_TRUE(AddPrinterDriverExW(nullptr, 3, buffer, APD_COPY_ALL_FILES | APD_COPY_FROM_DIRECTORY));
+    ASSERT_TRUE(GetPrinterW(own.handle, 2, buffer, sizeof(buffer), &needed));
+    auto& info = *reinterpret_cast<PRINTER_INFO_2W*>(buffer);
+    info.pPrinterName = printerName.data();
     info.pDriverName = name;
-    info.pPortName = texts[1].data();
-    info.pPrintProcessor = texts[2].data();
-    info.pDatatype = texts[3].data();
     info.pDevMode = own.Get();
-    const HANDLE added = AddPrinterW(nullptr, 2, reinterpret_cast<BYTE*>(&info));
+    const HANDLE added = AddPrinterW(nullptr, 2, buffer);
     ASSERT_NE(nullptr, added) << GetLastError();
     {
         Printer printer(kForeign);
@@ -389,18 +377,14 @@ constexpr int kEnded = 7;
 int RunWithService(const wchar_t* manner)
 {
     SetEnvironmentVariableW(kManner, manner);
-    std::wstring program(MAX_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), MAX_PATH));
-    std::wstring line = L"\"" + program + L"\" --gtest_also_run_disabled_tests --gtest_filter=BadService.*";
-    STARTUPINFOW start = {};
-    start.cb = sizeof(start);
-    PROCESS_INFORMATION process = {};
-    EXPECT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &process));
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    const auto process = reinterpret_cast<HANDLE>(_wspawnl(
+        _P_NOWAIT, program, L"child", L"--gtest_also_run_disabled_tests", L"--gtest_filter=BadService.*", nullptr));
     DWORD code = 0;
-    const bool ended = WaitForSingleObject(process.hProcess, 30000) == WAIT_OBJECT_0;
-    ended ? GetExitCodeProcess(process.hProcess, &code) : TerminateProcess(process.hProcess, 1);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+    const bool ended = WaitForSingleObject(process, 30000) == WAIT_OBJECT_0;
+    ended ? GetExitCodeProcess(process, &code) : TerminateProcess(process, 1);
+    CloseHandle(process);
     return ended ? static_cast<int>(code) : -1;
 }
 
