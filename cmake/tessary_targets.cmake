@@ -64,10 +64,11 @@ set(TESSARY_TEST_OPTIONS -O0)
 function(tessary_declare_test_headers)
   file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/test_headers.cpp CONTENT "// Carries the precompiled headers.\n")
   add_library(tessary_test_headers STATIC ${CMAKE_BINARY_DIR}/test_headers.cpp)
-  target_link_libraries(tessary_test_headers PRIVATE tessary_flags gtest)
+  target_link_libraries(tessary_test_headers PRIVATE tessary_flags gtest gmock)
   target_compile_options(tessary_test_headers PRIVATE ${TESSARY_TEST_OPTIONS})
   target_precompile_headers(tessary_test_headers PRIVATE
-    <gtest/gtest.h> <algorithm> <functional> <string> <thread> <vector>)
+    <gtest/gtest.h> <gmock/gmock.h> <algorithm> <filesystem> <fstream> <functional> <map> <memory> <optional> <set>
+    <string> <thread> <vector> "$<$<BOOL:${WIN32}>:<windows.h$<ANGLE-R>>" "$<$<BOOL:${WIN32}>:<winspool.h$<ANGLE-R>>")
 endfunction()
 
 # tessary_test(name SOURCES ... LIBS ... [TIMEOUT seconds])

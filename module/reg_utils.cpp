@@ -60,17 +60,26 @@ LSTATUS QueryValue(HKEY key, const wchar_t* name, DWORD* type, void* data, DWORD
     return RegQueryValueExW(key, name, nullptr, type, static_cast<BYTE*>(data), bytes);
 }
 
+// Replaces HKEY_CURRENT_USER, whose handle is cached per process, by the hive of the user that the thread acts for: one
+// that impersonates must get its client's. `user` keeps the hive open. False when that cannot be opened.
+bool ResolveRoot(HKEY& root, REGSAM access, RegistryKey& user) noexcept
+{
+    if (root == HKEY_CURRENT_USER)
+    {
+        if (RegOpenCurrentUser(access, user.Put()) != ERROR_SUCCESS)
+        {
+            return false;
+        }
+        root = user.Get();
+    }
+    return true;
+}
+
 template <typename Char>
 bool OpenForReading(HKEY root, const Char* subkey, RegistryKey& key) noexcept
 {
-    if (root != HKEY_CURRENT_USER)
-    {
-        return OpenKey(root, subkey, key.Put()) == ERROR_SUCCESS;
-    }
-    // The predefined handle is cached per process; a thread that impersonates must get its client's hive.
     RegistryKey user;
-    return RegOpenCurrentUser(KEY_READ, user.Put()) == ERROR_SUCCESS &&
-           OpenKey(user.Get(), subkey, key.Put()) == ERROR_SUCCESS;
+    return ResolveRoot(root, KEY_READ, user) && OpenKey(root, subkey, key.Put()) == ERROR_SUCCESS;
 }
 
 template <typename Char>
@@ -223,9 +232,11 @@ bool SetRegistryValue(
     {
         return false;
     }
+    RegistryKey user;
     RegistryKey key;
-    if (RegCreateKeyExW(root, subkey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, key.Put(), nullptr) !=
-        ERROR_SUCCESS)
+    if (!ResolveRoot(root, KEY_WRITE, user) ||
+        RegCreateKeyExW(root, subkey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, key.Put(), nullptr) !=
+            ERROR_SUCCESS)
     {
         return false;
     }

@@ -1,7 +1,7 @@
 // Reading settings and policies from the registry, and writing the few values the driver keeps there.
 //
 // All readers return false without touching the registry when a root, key name or value name is null or empty, or the
-// result pointer is null. When the root is HKEY_CURRENT_USER they read the hive of the user that the thread acts for.
+// result pointer is null. The root HKEY_CURRENT_USER stands for the hive of the user that the thread acts for.
 #ifndef TESSARY_MODULE_REG_UTILS_H
 #define TESSARY_MODULE_REG_UTILS_H
 

@@ -39,31 +39,66 @@ run_tests() {
   GTEST_OUTPUT="json:$report/" ctest --preset "$preset" "${filter[@]}" --output-junit "$results/ctest.xml"
 }
 
+# Builds the presets one after the other. That runs beside the tests, and gives way to them: the tests of one preset leave
+# much of the processors idle, and the build of the next one can use it.
+build_presets() {
+  local preset outcome results
+  for preset in "${presets[@]}"; do
+    results=$(results_of "$preset")
+    outcome=built
+    nice -n 19 bash scripts/build.sh "$preset" >"$results/build.log" 2>&1 || outcome=failed
+    # Renamed: whoever sees the file can read it.
+    echo "$outcome" >"$results/outcome.new"
+    mv -- "$results/outcome.new" "$results/outcome"
+  done
+}
+
+wait_for_build() {
+  local results
+  results=$(results_of "$1")
+  while [ ! -e "$results/outcome" ] && kill -0 "$builder" 2>/dev/null; do
+    sleep 0.2
+  done
+  cat "$results/build.log"
+  [ "$(cat "$results/outcome")" = built ]
+}
+
 test_preset() {
-  local preset=$1 results
-  results=$(results_of "$preset")
-  rm -rf -- "$results"
-  mkdir -p "$results/programs"
-  if ! bash scripts/build.sh "$preset"; then
-    touch "$results/build-failed"
+  local preset=$1
+  if ! step "wait-$preset" "building $preset" wait_for_build "$preset"; then
+    touch "$(results_of "$preset")/build-failed"
     return 1
   fi
   case $preset in mingw-*) repair_documents "$prefixes/test" "$preset" ;; esac
-  run_tests "$preset" >"$logs/test-$preset.log" 2>&1 </dev/null
+  step "test-$preset" "testing $preset" run_tests "$preset"
+}
+
+clean_up() {
+  stop_wineserver "$prefixes/test"
+  # The build's whole process group.
+  kill -- "-$builder" 2>/dev/null || true
 }
 
 bash scripts/setup.sh
-trap 'stop_wineserver "$prefixes/test"' EXIT
+for preset in "${presets[@]}"; do
+  results=$(results_of "$preset")
+  rm -rf -- "$results"
+  mkdir -p "$results/programs"
+done
 fresh_prefix test
+# With job control on, the build gets a process group of its own.
+set -m
+build_presets </dev/null &
+builder=$!
+set +m
+trap clean_up EXIT
 start_wineserver "$prefixes/test"
 
+step_total=$((2 * ${#presets[@]}))
 for preset in "${presets[@]}"; do
-  begin=$SECONDS
-  outcome=ended
-  test_preset "$preset" || outcome=FAILED
-  echo "Tests of $preset: $outcome after $((SECONDS - begin)) s"
+  test_preset "$preset" || true
 done
-stop_wineserver "$prefixes/test"
+clean_up
 trap - EXIT
 
 report=()

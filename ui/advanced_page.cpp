@@ -102,7 +102,7 @@ void ShowPreDialog(HWND dialog, const UIContext& context, DWORD choice) noexcept
     }
 }
 
-bool ShowPrintChoice(HWND dialog, UIContext& context)
+bool ShowPrintChoice(HWND dialog, UIContext& context) noexcept
 {
     const PrintChoicePolicy policy = ReadPrintChoice();
     // Without a private block the choice has no place to go to.
@@ -119,13 +119,12 @@ bool ShowPrintChoice(HWND dialog, UIContext& context)
         LogVerbose("%s, print choice is disabled and the default is %d driverName=%S.\n",
                    "ShowPrintChoice",
                    static_cast<int>(policy.choice),
-                   CurrentDriverName().c_str());
-        CheckRadioButton(dialog, IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, IDC_PRINT_ON_CLIENT);
+                   CurrentDriverName().text);
+        CheckChoice(dialog, IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, kPrintOnClient);
         SetChecked(dialog, IDC_PRE_DIALOG, false);
         return true;
     }
-    const auto chosen = static_cast<int>(IDC_PRINT_ON_CLIENT + policy.choice);
-    if (CheckRadioButton(dialog, IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, chosen) == FALSE)
+    if (!CheckChoice(dialog, IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, policy.choice))
     {
         LogError("%s, failed to execute CheckRadioButton: %d .\n", "ShowPrintChoice", static_cast<int>(GetLastError()));
         return false;
@@ -191,6 +190,8 @@ void Open(HWND dialog, const PROPSHEETPAGEW& page)
     SendDlgItemMessageW(dialog, IDC_COPIES_SPIN, UDM_SETRANGE, 0, MAKELPARAM(maximumCopies, 1));
     SendDlgItemMessageW(dialog, IDC_COPIES, EM_LIMITTEXT, 3, 0);
     ShowPicture(dialog, IDC_LOGO, LogoBitmap);
+    NameControl(dialog, IDC_LOGO, L"Tessary");
+    NameByLabel(dialog, IDC_COPIES_SPIN);
     ShowCopies(dialog, context);
     ShowPrintAsImage(dialog, context);
 }
@@ -204,31 +205,6 @@ void ChoosePrintTarget(HWND dialog, UIContext& context, DWORD choice) noexcept
     }
 }
 
-void Command(HWND dialog, UIContext& context, WORD control, WORD notification)
-{
-    switch (control)
-    {
-    case IDC_PRINT_ON_CLIENT:
-    case IDC_PREVIEW_ON_CLIENT:
-        ChoosePrintTarget(dialog, context, control - DWORD{IDC_PRINT_ON_CLIENT});
-        break;
-    case IDC_COMPRESSION:
-        if (const auto selected = DropDownList(dialog, control).Selected(); selected && notification == CBN_SELCHANGE)
-        {
-            context.compression = static_cast<uint32_t>(*selected);
-        }
-        break;
-    case IDC_PRE_DIALOG:
-        context.showPreDialog = IsChecked(dialog, control) ? 1 : 0;
-        break;
-    case IDC_PRINT_AS_IMAGE:
-        context.printAsImage = IsChecked(dialog, control) ? 1 : 0;
-        break;
-    default:
-        break;
-    }
-}
-
 // The up-down control may have put commas between thousands. There is no check of the range.
 int16_t CopiesIn(HWND dialog) noexcept
 {
@@ -236,6 +212,40 @@ int16_t CopiesIn(HWND dialog) noexcept
     GetDlgItemTextA(dialog, IDC_COPIES, text, static_cast<int>(std::size(text)));
     *std::remove(std::begin(text), std::begin(text) + std::strlen(text), ',') = '\0';
     return static_cast<int16_t>(std::strtol(text, nullptr, 10));
+}
+
+bool ChooseCompression(HWND dialog, UIContext& context, WORD notification) noexcept
+{
+    const int32_t position = DropDownList(dialog, IDC_COMPRESSION).Position();
+    if (notification != CBN_SELCHANGE || position < 0)
+    {
+        return false;
+    }
+    context.compression = static_cast<uint32_t>(position);
+    return true;
+}
+
+bool Command(HWND dialog, UIContext& context, WORD control, WORD notification)
+{
+    switch (control)
+    {
+    case IDC_PRINT_ON_CLIENT:
+    case IDC_PREVIEW_ON_CLIENT:
+        ChoosePrintTarget(dialog, context, control - DWORD{IDC_PRINT_ON_CLIENT});
+        return true;
+    case IDC_COMPRESSION:
+        return ChooseCompression(dialog, context, notification);
+    case IDC_PRE_DIALOG:
+        context.showPreDialog = IsChecked(dialog, control) ? 1 : 0;
+        return true;
+    case IDC_PRINT_AS_IMAGE:
+        context.printAsImage = IsChecked(dialog, control) ? 1 : 0;
+        return true;
+    case IDC_COPIES: // whose number is read when the user confirms
+        return notification == EN_CHANGE && CopiesIn(dialog) != context.copies;
+    default:
+        return false;
+    }
 }
 
 void ReadControls(HWND dialog, UIContext& context)

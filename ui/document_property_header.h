@@ -6,6 +6,11 @@
 
 #include <cstddef>
 
+// A flag of fMode that they lack, too: the user may only look at the settings.
+#ifndef DM_NOPERMISSION
+#define DM_NOPERMISSION 0x20
+#endif
+
 // What the caller of DrvDocumentPropertySheets hands over, as Windows documents it.
 struct DOCUMENTPROPERTYHEADER
 {

@@ -7,7 +7,7 @@
 #include "remote/devmode_merge.h"
 #include "remote/printer_name.h"
 #include "remote/private_devmode.h"
-#include "ui/document_property_header.h"
+#include "ui/caller_buffers.h"
 #include "ui/sheet_flow.h"
 
 #include <winspool.h>
@@ -79,13 +79,14 @@ LONG AnswerWithoutUI(DOCUMENTPROPERTYHEADER& header) noexcept
         header.cbOut = static_cast<DWORD>(DevModeTotalSize(fetched.get()));
         return static_cast<LONG>(header.cbOut);
     }
-    PrintUtils::DumpDevMode(header.pdmIn, L"UIINFO is NULL, dmIn:");
+    PrintUtils::DumpDevMode(InputOf(header, fetched.get()), L"UIINFO is NULL, dmIn:");
     StorePrinterName(fetched.get(), name);
-    if (!MergeAndCopyDM(header.pdmOut, header.pdmIn, fetched.get(), header.fMode))
+    DEVMODEW* out = OutputOf(header, fetched.get());
+    if (!MergeAndCopyDM(out != nullptr ? out : fetched.get(), header.pdmIn, fetched.get(), header.fMode))
     {
         return 0;
     }
-    PrintUtils::DumpDevMode(header.pdmOut, L"UIINFO is NULL, dmOut:");
+    PrintUtils::DumpDevMode(out, L"UIINFO is NULL, dmOut:");
     return 1;
 }
 

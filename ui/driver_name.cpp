@@ -2,6 +2,9 @@
 
 #include "lib/misc/exclusive_lock.h"
 
+#include <algorithm>
+#include <cwchar>
+#include <iterator>
 #include <utility>
 
 namespace tsypr
@@ -20,10 +23,12 @@ void SetCurrentDriverName(std::wstring name) noexcept
     g_name = std::move(name);
 }
 
-std::wstring CurrentDriverName()
+FixedText<256> CurrentDriverName() noexcept
 {
+    FixedText<256> name = {};
     const ScopedLock guard(g_lock);
-    return g_name;
+    std::wmemcpy(name.text, g_name.data(), std::min(g_name.size(), std::size(name.text) - 1));
+    return name;
 }
 
 bool IsOwnDriver() noexcept

@@ -94,16 +94,17 @@ void Open(HWND dialog, const PROPSHEETPAGEW& page)
     Populate(kPunch, dialog, context.devMode, context);
 }
 
-void Command(HWND dialog, UIContext& context, WORD control, WORD notification)
+bool Command(HWND dialog, UIContext& context, WORD control, WORD notification)
 {
     for (const FinishingList* list : {&kStaple, &kPunch})
     {
         if (control == list->control && notification == CBN_SELCHANGE)
         {
-            const auto selected = DropDownList(dialog, control).Selected();
-            context.*list->index = selected ? static_cast<int32_t>(*selected) : -1;
+            context.*list->index = DropDownList(dialog, control).Position();
+            return true;
         }
     }
+    return false;
 }
 
 constexpr PageHandlers kPage = {"FinishingProc", &UIContext::finishingPage, Open, Command, nullptr};

@@ -9,7 +9,6 @@
 #include "ui/page_texts.h"
 #include "ui/property_page.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cwchar>
 #include <iterator>
@@ -30,6 +29,12 @@ constexpr PageText kDuplexTexts[] = {{IDS_DUPLEX_NONE, L"None"},
                                      {IDS_FLIP_LONG_EDGE, L"Flip On Long Edge"},
                                      {IDS_FLIP_SHORT_EDGE, L"Flip On Short Edge"}};
 
+void ShowOrientation(HWND dialog, bool landscape) noexcept
+{
+    ShowPicture(dialog, IDC_ORIENTATION_PICTURE, landscape ? LandscapeBitmap : PortraitBitmap);
+    NameControl(dialog, IDC_ORIENTATION_PICTURE, LoadPageText(landscape ? kLandscape : kPortrait).text);
+}
+
 void FillOrientation(HWND dialog, DEVMODEW* dm, UIContext& context)
 {
     const DropDownList list(dialog, IDC_ORIENTATION);
@@ -47,7 +52,7 @@ void FillOrientation(HWND dialog, DEVMODEW* dm, UIContext& context)
     // Whatever dmFields says.
     const bool landscape = DevModeField(dm, &DEVMODEW::dmOrientation) != DMORIENT_PORTRAIT;
     list.Select(landscape ? 1 : 0);
-    ShowPicture(dialog, IDC_ORIENTATION_PICTURE, landscape ? LandscapeBitmap : PortraitBitmap);
+    ShowOrientation(dialog, landscape);
 }
 
 bool IsDuplexLocked(const DEVMODEW* dm) noexcept
@@ -139,28 +144,28 @@ void PopulateNup(HWND dialog, const DEVMODEW* dm, UIContext& context)
     const DropDownList order(dialog, IDC_PAGE_ORDER);
     context.pagesPerSheet = 0;
     context.nupDirectionIndex = -1;
+    // Enabled when they are filled: where memory runs out before that, confirming finds nothing to choose.
     for (const DropDownList& list : {pages, order})
     {
-        list.Enable();
+        list.Disable();
         list.Clear();
     }
     const PrivateDevMode* block = GetPrivateDevMode(dm);
     const NupCapability capability = NupOf(block, context);
     if (capability.pagesPerSheet.empty())
     {
-        pages.Disable();
-        order.Disable();
         return;
     }
     FillPagesPerSheet(pages, capability.pagesPerSheet, block->pagesPerSheet);
+    pages.Enable();
     context.pagesPerSheet = block->pagesPerSheet;
     if (capability.directions.empty())
     {
-        order.Disable();
         return;
     }
     const auto chosen = block->nupLayout.Read();
     context.nupDirectionIndex = static_cast<int32_t>(FillPageOrder(order, capability.directions, chosen.text));
+    order.Enable();
 }
 
 void Open(HWND dialog, const PROPSHEETPAGEW& page)
@@ -171,27 +176,29 @@ void Open(HWND dialog, const PROPSHEETPAGEW& page)
     PopulateNup(dialog, context.devMode, context);
 }
 
-void Command(HWND dialog, UIContext& context, WORD control, WORD notification)
+bool Command(HWND dialog, UIContext& context, WORD control, WORD notification)
 {
-    const auto selected = DropDownList(dialog, control).Selected();
-    if (notification != CBN_SELCHANGE || !selected)
+    if (notification != CBN_SELCHANGE)
     {
-        return;
+        return false;
     }
+    const int32_t position = DropDownList(dialog, control).Position();
     switch (control)
     {
     case IDC_ORIENTATION:
-        context.orientation = *selected != 0 ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
-        ShowPicture(dialog, IDC_ORIENTATION_PICTURE, *selected != 0 ? LandscapeBitmap : PortraitBitmap);
-        break;
+        context.orientation = position != 0 ? DMORIENT_LANDSCAPE : DMORIENT_PORTRAIT;
+        ShowOrientation(dialog, position != 0);
+        return true;
     case IDC_DUPLEX:
-        context.duplex = static_cast<int16_t>(std::min<size_t>(*selected, 2) + DMDUP_SIMPLEX);
-        break;
+        context.duplex = position == 0 ? DMDUP_SIMPLEX : position == 1 ? DMDUP_VERTICAL : DMDUP_HORIZONTAL;
+        return true;
     case IDC_PAGE_ORDER:
-        context.nupDirectionIndex = static_cast<int32_t>(*selected);
-        break;
+        context.nupDirectionIndex = position;
+        return true;
+    case IDC_PAGES_PER_SHEET:
+        return true; // which is read when the user confirms
     default:
-        break;
+        return false;
     }
 }
 

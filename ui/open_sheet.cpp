@@ -8,6 +8,7 @@
 #include "remote/devmode_merge.h"
 #include "remote/printer_name.h"
 #include "ui/advanced_page.h"
+#include "ui/caller_buffers.h"
 #include "ui/document_property_header.h"
 #include "ui/driver_name.h"
 #include "ui/finishing_page.h"
@@ -28,12 +29,6 @@ namespace
 {
 
 using PrinterName = wchar_t[kPrinterNameChars];
-
-// What lives as long as one sheet. The context works on the fetched device mode when the caller gave none.
-struct OpenedSheet : UIContext
-{
-    SharedDevMode fetched;
-};
 
 struct PageEntry
 {
@@ -111,23 +106,27 @@ void FindDriver(const PrinterName& name) noexcept
 }
 
 // Puts the caller's settings over the printer's, into the caller's output.
-bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* fetched, const PrinterName& name) noexcept
+bool Merge(const DOCUMENTPROPERTYHEADER& header, DEVMODEW* output, DEVMODEW* fetched, const PrinterName& name) noexcept
 {
     if (header.fMode == 0)
     {
         return true;
     }
-    PrintUtils::DumpDevMode(header.pdmIn, L"PROPSHEETUI_REASON_INIT, dmIn:");
+    PrintUtils::DumpDevMode(InputOf(header, fetched), L"PROPSHEETUI_REASON_INIT, dmIn:");
     StorePrinterName(fetched, name);
-    if (!MergeAndCopyDM(header.pdmOut, header.pdmIn, fetched, header.fMode))
+    DEVMODEW* merged = output == nullptr && header.pdmOut != nullptr ? fetched : output;
+    if (!MergeAndCopyDM(merged, header.pdmIn, fetched, header.fMode))
     {
         return false;
     }
-    PrintUtils::DumpDevMode(header.pdmOut, L"PROPSHEETUI_REASON_INIT, dmOut:");
+    PrintUtils::DumpDevMode(merged, L"PROPSHEETUI_REASON_INIT, dmOut:");
     return true;
 }
 
-UIContext* MakeContext(PROPSHEETUI_INFO& info, DEVMODEW* output, const SharedDevMode& fetched) noexcept
+UIContext* MakeContext(PROPSHEETUI_INFO& info,
+                       const DOCUMENTPROPERTYHEADER& header,
+                       DEVMODEW* output,
+                       const SharedDevMode& fetched) noexcept
 {
     auto* sheet = new (std::nothrow) OpenedSheet();
     if (sheet == nullptr)
@@ -136,6 +135,9 @@ UIContext* MakeContext(PROPSHEETUI_INFO& info, DEVMODEW* output, const SharedDev
         return nullptr;
     }
     sheet->fetched = fetched;
+    sheet->input = InputOf(header, fetched.get());
+    sheet->output = output;
+    sheet->isReadOnly = (header.fMode & DM_NOPERMISSION) != 0;
     sheet->devMode = output != nullptr ? output : fetched.get();
     sheet->comPropSheet = info.pfnComPropSheet;
     sheet->comPropSheetHandle = info.hComPropSheet;
@@ -170,11 +172,12 @@ LONG OpenSheet(PROPSHEETUI_INFO& info) noexcept
         LogError("%s, failed to retrieve devmode for printer %S.\n", kSheetFunction, name);
         return 0;
     }
-    if (!Merge(*header, fetched.get(), name))
+    DEVMODEW* output = OutputOf(*header, fetched.get());
+    if (!Merge(*header, output, fetched.get(), name))
     {
         return 0;
     }
-    UIContext* context = MakeContext(info, header->pdmOut, fetched);
+    UIContext* context = MakeContext(info, *header, output, fetched);
     if (context == nullptr)
     {
         return 0;

@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include <cstddef>
-#include <optional>
+#include <cstdint>
 
 namespace tsypr
 {
@@ -29,11 +29,10 @@ public:
     {
         SendMessageW(m_window, CB_SETCURSEL, position, 0);
     }
-    // Empty when nothing is selected.
-    std::optional<size_t> Selected() const noexcept
+    // CB_ERR, which is -1, when nothing is selected.
+    int32_t Position() const noexcept
     {
-        const LRESULT position = m_window != nullptr ? SendMessageW(m_window, CB_GETCURSEL, 0, 0) : CB_ERR;
-        return position >= 0 ? std::optional(static_cast<size_t>(position)) : std::nullopt;
+        return m_window != nullptr ? static_cast<int32_t>(SendMessageW(m_window, CB_GETCURSEL, 0, 0)) : CB_ERR;
     }
     // With the label before it.
     void Enable(bool enabled = true) const noexcept;
@@ -49,11 +48,24 @@ private:
 // Enables or disables a button.
 void EnableControl(HWND dialog, int id, bool enabled) noexcept;
 
+// Disables every control of the dialog but texts and pictures.
+void DisableControls(HWND dialog) noexcept;
+
+// Checks the radio button of the choice, 0 for `first`, and no other up to `last`. A choice that has no button checks
+// none: false, with the last error set to ERROR_INVALID_PARAMETER.
+bool CheckChoice(HWND dialog, int first, int last, uint32_t choice) noexcept;
+
 bool IsChecked(HWND dialog, int id) noexcept;
 void SetChecked(HWND dialog, int id, bool checked) noexcept;
 
 // Shows a bitmap that stays its owner's; null shows nothing.
 void ShowPicture(HWND dialog, int id, HBITMAP bitmap) noexcept;
+
+// Gives a control that shows no text of its own a name, which screen readers read out.
+void NameControl(HWND dialog, int id, const wchar_t* name) noexcept;
+
+// The same by the label before it.
+void NameByLabel(HWND dialog, int id) noexcept;
 
 } // namespace tsypr
 

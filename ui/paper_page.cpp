@@ -83,32 +83,39 @@ void Open(HWND dialog, const PROPSHEETPAGEW& page)
     PopulateDPIs(dialog, context.devMode, context);
 }
 
-void Command(HWND dialog, UIContext& context, WORD control, WORD notification)
+bool Command(HWND dialog, UIContext& context, WORD control, WORD notification)
 {
-    const auto selected = DropDownList(dialog, control).Selected();
-    if (notification != CBN_SELCHANGE || !selected)
+    if (notification != CBN_SELCHANGE)
     {
-        return;
+        return false;
     }
+    const int32_t selected = DropDownList(dialog, control).Position();
+    if (control == IDC_COLOR)
+    {
+        context.color = selected != 0 ? DMCOLOR_COLOR : DMCOLOR_MONOCHROME;
+        return true;
+    }
+    if (selected < 0)
+    {
+        return false; // no position of the printer's list
+    }
+    const auto position = static_cast<size_t>(selected);
     switch (control)
     {
     case IDC_PAPER_SIZE:
-        GetPaperSizeByIndex(dialog, *selected, context);
-        break;
+        GetPaperSizeByIndex(dialog, position, context);
+        return true;
     case IDC_MEDIACOMBO:
-        GetMediaTypeByIndex(*selected, context);
-        break;
-    case IDC_COLOR:
-        context.color = *selected != 0 ? DMCOLOR_COLOR : DMCOLOR_MONOCHROME;
-        break;
+        GetMediaTypeByIndex(position, context);
+        return true;
     case IDC_PAPER_SOURCE:
-        GetPaperSourceByIndex(*selected, context);
-        break;
+        GetPaperSourceByIndex(position, context);
+        return true;
     case IDC_PRINT_QUALITY:
-        GetDPIByIndex(*selected, context);
-        break;
+        GetDPIByIndex(position, context);
+        return true;
     default:
-        break;
+        return false;
     }
 }
 

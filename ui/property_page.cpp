@@ -1,6 +1,7 @@
 #include "ui/property_page.h"
 
 #include "module/log.h"
+#include "ui/page_controls.h"
 
 namespace tsypr
 {
@@ -17,12 +18,29 @@ UIContext* FindContext(HWND dialog) noexcept
 // The context goes into the device mode when the sheet's owner is told the result.
 void Apply(const PageHandlers& page, HWND dialog, UIContext& context)
 {
-    if (page.apply != nullptr)
+    if (page.apply != nullptr && !context.isReadOnly)
     {
         page.apply(dialog, context);
     }
     context.comPropSheet(
         context.comPropSheetHandle, CPSFUNC_SET_RESULT, reinterpret_cast<LPARAM>(context.*page.handle), CPSUI_OK);
+}
+
+void DisableIfReadOnly(HWND dialog, const PROPSHEETPAGEW& page) noexcept
+{
+    if (ContextOf(page).isReadOnly)
+    {
+        DisableControls(dialog);
+    }
+}
+
+// A sheet that has an Apply button enables it when a page has changed.
+void Command(const PageHandlers& page, HWND dialog, UIContext& context, WPARAM wParam)
+{
+    if (page.command(dialog, context, LOWORD(wParam), HIWORD(wParam)))
+    {
+        SendMessageW(GetParent(dialog), PSM_CHANGED, reinterpret_cast<WPARAM>(dialog), 0);
+    }
 }
 
 INT_PTR AnswerNotification(const PageHandlers& page, HWND dialog, const NMHDR& header)
@@ -49,11 +67,12 @@ INT_PTR Answer(const PageHandlers& page, HWND dialog, UINT message, WPARAM wPara
     {
     case WM_INITDIALOG:
         page.open(dialog, *reinterpret_cast<const PROPSHEETPAGEW*>(lParam));
+        DisableIfReadOnly(dialog, *reinterpret_cast<const PROPSHEETPAGEW*>(lParam));
         return TRUE;
     case WM_COMMAND:
         if (UIContext* context = FindContext(dialog))
         {
-            page.command(dialog, *context, LOWORD(wParam), HIWORD(wParam));
+            Command(page, dialog, *context, wParam);
         }
         return TRUE;
     case WM_NOTIFY:

@@ -14,8 +14,8 @@ struct PageHandlers
     HANDLE UIContext::*handle;
     // WM_INITDIALOG; calls KeepPage.
     void (*open)(HWND dialog, const PROPSHEETPAGEW& page);
-    // WM_COMMAND
-    void (*command)(HWND dialog, UIContext& context, WORD control, WORD notification);
+    // WM_COMMAND; returns whether the user changed a setting.
+    bool (*command)(HWND dialog, UIContext& context, WORD control, WORD notification);
     // Reads what is not in the context yet when the user confirms; null when there is nothing.
     void (*apply)(HWND dialog, UIContext& context);
 };

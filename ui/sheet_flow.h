@@ -3,6 +3,8 @@
 #define TESSARY_UI_SHEET_FLOW_H
 
 #include "remote/private_devmode.h"
+#include "remote/shared_devmode.h"
+#include "ui/ui_context.h"
 
 #include <windows.h>
 
@@ -12,6 +14,14 @@
 
 namespace tsypr
 {
+
+// What lives as long as one sheet. The context works on the fetched device mode when the caller has no output.
+struct OpenedSheet : UIContext
+{
+    SharedDevMode fetched;
+    DEVMODEW* input;  // the caller's; null if there is none
+    DEVMODEW* output; // likewise
+};
 
 // What the messages of all steps are logged under.
 inline constexpr char kSheetFunction[] = "DrvDocumentPropertySheets";

@@ -192,15 +192,14 @@ void WriteOutput(DEVMODEW* out, const DEVMODEW* dm, const UIContext& context) no
 
 LONG TakeResult(const PROPSHEETUI_INFO& info, const SETRESULT_INFO& result) noexcept
 {
-    const auto* context = reinterpret_cast<const UIContext*>(info.UserData);
-    const auto* header = reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(info.lParamInit);
-    if (result.Result != CPSUI_OK || context == nullptr || header == nullptr)
+    const auto* context = static_cast<const OpenedSheet*>(reinterpret_cast<const UIContext*>(info.UserData));
+    if (result.Result != CPSUI_OK || context == nullptr || context->isReadOnly)
     {
         return 1;
     }
     DEVMODEW* dm = context->devMode;
     WritePublic(dm, *context);
-    WriteCopies(dm, header->pdmIn, *context);
+    WriteCopies(dm, context->input, *context);
     try
     {
         WritePrivate(dm, *context);
@@ -209,9 +208,9 @@ LONG TakeResult(const PROPSHEETUI_INFO& info, const SETRESULT_INFO& result) noex
     {
         ResultOfException(kSheetFunction);
     }
-    if (header->pdmOut != nullptr)
+    if (context->output != nullptr)
     {
-        WriteOutput(header->pdmOut, dm, *context);
+        WriteOutput(context->output, dm, *context);
     }
     return 1;
 }

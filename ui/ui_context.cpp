@@ -6,8 +6,10 @@
 #include "ui/print_caps_thread.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <cwchar>
+#include <iterator>
 #include <string_view>
 
 namespace tsypr
@@ -16,6 +18,40 @@ namespace
 {
 
 constexpr char kFunction[] = "InitUIContext";
+
+// The fields' order is part of the driver's documented record.
+constexpr size_t kOffsets[] = {offsetof(UIContext, comPropSheet),
+                               offsetof(UIContext, comPropSheetHandle),
+                               offsetof(UIContext, layoutPage),
+                               offsetof(UIContext, paperPage),
+                               offsetof(UIContext, watermarkPage),
+                               offsetof(UIContext, advancedPage),
+                               offsetof(UIContext, finishingPage),
+                               offsetof(UIContext, devMode),
+                               offsetof(UIContext, printerName),
+                               offsetof(UIContext, paperSource),
+                               offsetof(UIContext, paperSize),
+                               offsetof(UIContext, customPaperWidth),
+                               offsetof(UIContext, customPaperLength),
+                               offsetof(UIContext, formName),
+                               offsetof(UIContext, mediaType),
+                               offsetof(UIContext, orientation),
+                               offsetof(UIContext, duplex),
+                               offsetof(UIContext, color),
+                               offsetof(UIContext, printQuality),
+                               offsetof(UIContext, yResolution),
+                               offsetof(UIContext, compression),
+                               offsetof(UIContext, printChoice),
+                               offsetof(UIContext, showPreDialog),
+                               offsetof(UIContext, printAsImage),
+                               offsetof(UIContext, copies),
+                               offsetof(UIContext, pagesPerSheet),
+                               offsetof(UIContext, nupDirectionIndex),
+                               offsetof(UIContext, stapleIndex),
+                               offsetof(UIContext, punchIndex),
+                               offsetof(UIContext, watermark),
+                               offsetof(UIContext, isReadOnly)};
+static_assert(std::is_sorted(std::begin(kOffsets), std::end(kOffsets)));
 
 // The options are asked for on a thread of their own because that needs a COM apartment, and the host's stays as it is.
 void PrefetchCapabilities(DEVMODEW* dm) noexcept
@@ -96,13 +132,11 @@ void LoadFinishing(UIContext& context, const PrivateDevMode& block)
 
 void LoadNup(UIContext& context, const PrivateDevMode& block)
 {
-    context.pagesPerSheet = 0;
     context.nupDirectionIndex = 0;
     if ((block.featureBitmap & kFeatureNup) == 0)
     {
         return;
     }
-    context.pagesPerSheet = block.pagesPerSheet;
     if (const auto capability = NupCapabilities.Find(context.printerName))
     {
         context.nupDirectionIndex = PositionOf(block.nupLayout.Read().text, capability->directions);
@@ -134,6 +168,8 @@ void LoadPrivate(UIContext& context, const PrivateDevMode& block)
     context.printChoice = block.printTargetChoice;
     context.showPreDialog = block.isShowPreDlg;
     context.printAsImage = block.isPrintAsImage;
+    context.pagesPerSheet = (block.featureBitmap & kFeatureNup) != 0 ? block.pagesPerSheet : 0;
+    // These look into the maps, which takes memory, so they come last.
     LoadFinishing(context, block);
     LoadNup(context, block);
 }

@@ -50,6 +50,7 @@ struct UIContext
     int32_t stapleIndex;
     int32_t punchIndex;
     WatermarkBlock watermark;
+    bool isReadOnly; // the user may look at the settings, but not change them (DM_NOPERMISSION)
 };
 
 // Loads the settings of the device mode into the context, whose printer name and callbacks are set already. When the

@@ -2,7 +2,6 @@
 
 #include "module/log.h"
 #include "watermark/input_box_window.h"
-#include "watermark/watermark_block.h"
 
 #include <atomic>
 
@@ -16,8 +15,7 @@ constexpr LONG_PTR kAlignmentBits = 3;
 static_assert(SS_CENTER == 1 && ES_CENTER == 1);
 
 constinit std::atomic<OpenBox*> g_current{nullptr};
-wchar_t g_result[kWatermarkTextChars] = {};
-bool g_accepted = false;
+FixedText<kWatermarkTextChars> g_result = {}; // changed by the current box only
 
 int LastError() noexcept
 {
@@ -157,7 +155,8 @@ void BringUp(const OpenBox& box) noexcept
     SendMessageW(box.edit, EM_SETSEL, 0, -1);
     SendMessageW(box.edit, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
     SendMessageW(box.edit, EM_SETSEL, 0, -1);
-    SetFocus(box.edit);
+    // Where the edit could not be made, the box takes the keys, so that Escape closes it.
+    SetFocus(box.edit != nullptr ? box.edit : box.box);
     EnableWindow(box.owner, FALSE);
     ShowWindow(box.box, SW_SHOW);
     UpdateWindow(box.box);
@@ -184,14 +183,14 @@ void MoveFocus(const OpenBox& box) noexcept
     }
 }
 
-void TakeText(const OpenBox& box) noexcept
+void TakeText(OpenBox& box) noexcept
 {
-    g_result[0] = L'\0';
-    GetWindowTextW(box.edit, g_result, kWatermarkTextChars);
-    g_accepted = true;
+    g_result = {};
+    GetWindowTextW(box.edit, g_result.text, kWatermarkTextChars);
+    box.isAccepted = true;
 }
 
-void OnKey(const OpenBox& box, WPARAM key) noexcept
+void OnKey(OpenBox& box, WPARAM key) noexcept
 {
     switch (key)
     {
@@ -240,6 +239,14 @@ OpenBox* CurrentBox() noexcept
 
 const wchar_t* ShowBox(const wchar_t* title, const wchar_t* prompt, HMODULE resources, HWND caller) noexcept
 {
+    Answer answer;
+    return ShowBox(title, prompt, resources, caller, answer);
+}
+
+const wchar_t* ShowBox(
+    const wchar_t* title, const wchar_t* prompt, HMODULE resources, HWND caller, Answer& answer) noexcept
+{
+    answer = {};
     OpenBox box;
     const CurrentBoxScope scope(box);
     if (!scope.Entered())
@@ -247,7 +254,6 @@ const wchar_t* ShowBox(const wchar_t* title, const wchar_t* prompt, HMODULE reso
         LogVerbose("%s, another input box is open.\n", kFunction);
         return nullptr;
     }
-    g_accepted = false;
     box.resources = resources;
     if (!RegisterBoxClass() || !MeasureScale(caller, box.scale))
     {
@@ -264,12 +270,11 @@ const wchar_t* ShowBox(const wchar_t* title, const wchar_t* prompt, HMODULE reso
     SetWindowTextW(box.prompt, prompt);
     BringUp(box);
     RunMessageLoop(box);
-    return g_result;
-}
-
-bool WasAccepted() noexcept
-{
-    return g_accepted;
+    if (box.isAccepted)
+    {
+        answer = {true, g_result};
+    }
+    return g_result.text;
 }
 
 } // namespace tsypr::ZarnInputBox

@@ -2,6 +2,8 @@
 #ifndef TESSARY_WATERMARK_INPUT_BOX_H
 #define TESSARY_WATERMARK_INPUT_BOX_H
 
+#include "watermark/watermark_block.h"
+
 #include <windows.h>
 
 namespace tsypr::ZarnInputBox
@@ -13,8 +15,16 @@ namespace tsypr::ZarnInputBox
 // not be shown or one is open already.
 const wchar_t* ShowBox(const wchar_t* title, const wchar_t* prompt, HMODULE resources, HWND caller) noexcept;
 
-// Whether the user accepted the last box that was shown. After a cancelled one the text is that of an earlier box.
-bool WasAccepted() noexcept;
+// What one box brought. After a cancelled one the text above is that of an earlier box; here it is empty.
+struct Answer
+{
+    bool isAccepted = false;
+    FixedText<kWatermarkTextChars> text = {};
+};
+
+// The same, with an answer that no other box changes.
+const wchar_t* ShowBox(
+    const wchar_t* title, const wchar_t* prompt, HMODULE resources, HWND caller, Answer& answer) noexcept;
 
 } // namespace tsypr::ZarnInputBox
 

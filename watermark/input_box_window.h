@@ -24,6 +24,7 @@ struct OpenBox
     HWND cancelButton = nullptr;
     HWND prompt = nullptr;
     FontOwner font; // of the four controls
+    bool isAccepted = false;
     bool closing = false;
 };
 

@@ -3,6 +3,8 @@
 #include "language/resource_ids.h"
 #include "module/interface_dll.h"
 #include "module/log.h"
+#include "ui/page_controls.h"
+#include "ui/property_page.h"
 #include "watermark/font_dialog.h"
 #include "watermark/input_box.h"
 #include "watermark/preview.h"
@@ -23,12 +25,6 @@ constexpr size_t kBoxTextChars = 64;
 int LastError() noexcept
 {
     return static_cast<int>(GetLastError());
-}
-
-UIContext* ContextOf(HWND page) noexcept
-{
-    const auto* sheetPage = reinterpret_cast<const PROPSHEETPAGEW*>(GetWindowLongPtrW(page, DWLP_USER));
-    return sheetPage != nullptr ? reinterpret_cast<UIContext*>(sheetPage->lParam) : nullptr;
 }
 
 // A copy of the device mode's watermark block, which may lie there at any address; of the context's one when the device
@@ -97,7 +93,7 @@ void StoreNoWatermark(UIContext& context) noexcept
 
 void InitializeWatermarkText(HWND page, UIContext& context, const WatermarkBlock& block) noexcept
 {
-    EnableWindow(GetDlgItem(page, IDC_WATERMARK_TEXT), TRUE);
+    DropDownList(page, IDC_WATERMARK_TEXT).Enable();
     SendToList(page, CB_RESETCONTENT);
     for (const wchar_t* text : kBuiltInTexts)
     {
@@ -123,61 +119,65 @@ void InitializeWatermarkText(HWND page, UIContext& context, const WatermarkBlock
     }
 }
 
-// A choice that the page does not offer checks neither button.
-bool CheckPlacement(HWND page, uint32_t placement) noexcept
-{
-    if (placement > IDC_WATERMARK_BEHIND - IDC_WATERMARK_IN_FRONT)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return false;
-    }
-    const int button = IDC_WATERMARK_IN_FRONT + static_cast<int>(placement);
-    return CheckRadioButton(page, IDC_WATERMARK_IN_FRONT, IDC_WATERMARK_BEHIND, button) != FALSE;
-}
-
 void InitializeWatermarkOthers(HWND page, const WatermarkBlock& block) noexcept
 {
-    if (!CheckPlacement(page, block.placement))
+    if (!CheckChoice(page, IDC_WATERMARK_IN_FRONT, IDC_WATERMARK_BEHIND, block.placement))
     {
         LogError("%s, Failed to execute CheckRadioButton: %d .\n", "InitializeWatermarkOthers", LastError());
     }
     if (block.flag != 0)
     {
-        CheckDlgButton(page, IDC_WATERMARK_FIRST_PAGE, BST_CHECKED);
+        SetChecked(page, IDC_WATERMARK_FIRST_PAGE, true);
     }
 }
 
-void OnInitDialog(HWND page, LPARAM sheetPage) noexcept
+// Without a private block the watermark has no place to go to.
+void DisableControls(HWND page) noexcept
 {
-    SetWindowLongPtrW(page, DWLP_USER, sheetPage);
-    UIContext* context = ContextOf(page);
-    if (context == nullptr)
+    DropDownList(page, IDC_WATERMARK_TEXT).Disable();
+    for (const int control : {IDC_WATERMARK_FONT,
+                              IDC_WATERMARK_ADD,
+                              IDC_WATERMARK_DELETE,
+                              IDC_WATERMARK_IN_FRONT,
+                              IDC_WATERMARK_BEHIND,
+                              IDC_WATERMARK_FIRST_PAGE})
     {
-        return;
+        EnableControl(page, control, false);
     }
-    DeviceModeBlock fromDeviceMode(*context);
-    InitializeWatermarkText(page, *context, fromDeviceMode.block);
-    ShowFirstPreview(page, fromDeviceMode.block);
-    InitializeWatermarkOthers(page, fromDeviceMode.block);
 }
 
-void OnTextSelected(HWND page, UIContext& context) noexcept
+void Open(HWND page, const PROPSHEETPAGEW& sheetPage)
+{
+    UIContext& context = KeepPage(page, sheetPage);
+    DeviceModeBlock fromDeviceMode(context);
+    InitializeWatermarkText(page, context, fromDeviceMode.block);
+    ShowFirstPreview(page, fromDeviceMode.block);
+    NameByLabel(page, IDC_WATERMARK_PREVIEW);
+    InitializeWatermarkOthers(page, fromDeviceMode.block);
+    if (GetPrivateDevMode(context.devMode) == nullptr)
+    {
+        DisableControls(page);
+    }
+}
+
+bool OnTextSelected(HWND page, UIContext& context) noexcept
 {
     const auto selected = static_cast<WPARAM>(SendToList(page, CB_GETCURSEL));
     const LRESULT length = SendToList(page, CB_GETLBTEXTLEN, selected);
     if (length < 0 || static_cast<size_t>(length) >= kWatermarkTextChars)
     {
-        return;
+        return false;
     }
     FixedText<kWatermarkTextChars> text = {};
     SendToList(page, CB_GETLBTEXT, selected, reinterpret_cast<LPARAM>(text.text));
     StoreText(context, text);
     LogVerbose("%s, text: %S.\n", kFunction, text.text);
-    RefreshWatermarkPreview(page, context);
+    RenewPreview(page, context.watermark);
+    return true;
 }
 
 // The dialog edits a copy, so that cancelling it changes nothing.
-void OnChooseFont(HWND page, UIContext& context) noexcept
+bool OnChooseFont(HWND page, UIContext& context) noexcept
 {
     WatermarkBlock& block = context.watermark;
     LOGFONTW font = block.font;
@@ -191,7 +191,7 @@ void OnChooseFont(HWND page, UIContext& context) noexcept
     options.rgbColors = block.color;
     if (ShowFontDialog(options) == FALSE)
     {
-        return;
+        return false;
     }
     block.font = font;
     block.color = options.rgbColors;
@@ -200,7 +200,8 @@ void OnChooseFont(HWND page, UIContext& context) noexcept
                kFunction,
                static_cast<int>(block.pointSize),
                static_cast<int>(font.lfHeight));
-    RefreshWatermarkPreview(page, context);
+    RenewPreview(page, context.watermark);
+    return true;
 }
 
 // The new text is only offered; the user selects it afterwards.
@@ -210,11 +211,11 @@ void OnAddText(HWND page) noexcept
         ResourceText<kBoxTextChars>(ResourceModule, IDS_WATERMARK_BOX_TITLE, L"Watermark text input box");
     const auto prompt =
         ResourceText<kBoxTextChars>(ResourceModule, IDS_WATERMARK_BOX_PROMPT, L"Input the watermark text");
-    const wchar_t* text = ZarnInputBox::ShowBox(title.text, prompt.text, ResourceModule, page);
-    // After a cancelled box the text is that of an earlier one, which the user may have deleted from the list since.
-    if (text != nullptr && ZarnInputBox::WasAccepted() && *text != L'\0' && FindInList(page, text) < 0)
+    ZarnInputBox::Answer answer;
+    ZarnInputBox::ShowBox(title.text, prompt.text, ResourceModule, page, answer);
+    if (answer.isAccepted && answer.text.text[0] != L'\0' && FindInList(page, answer.text.text) < 0)
     {
-        AddToList(page, text);
+        AddToList(page, answer.text.text);
     }
 }
 
@@ -227,102 +228,53 @@ void OnDeleteText(HWND page, UIContext& context) noexcept
     }
     SendToList(page, CB_SETCURSEL, kNoWatermarkIndex);
     StoreNoWatermark(context);
-    RefreshWatermarkPreview(page, context);
+    RenewPreview(page, context.watermark);
 }
 
-bool OnButton(HWND page, UIContext& context, int id) noexcept
+bool Command(HWND page, UIContext& context, WORD control, WORD notification)
 {
-    switch (id)
+    if (control == IDC_WATERMARK_TEXT)
+    {
+        return notification == CBN_SELCHANGE && OnTextSelected(page, context);
+    }
+    if (notification != BN_CLICKED)
+    {
+        return false;
+    }
+    switch (control)
     {
     case IDC_WATERMARK_FONT:
-        OnChooseFont(page, context);
-        return true;
+        return OnChooseFont(page, context);
     case IDC_WATERMARK_ADD:
         OnAddText(page);
-        return true;
+        return false;
     case IDC_WATERMARK_DELETE:
         OnDeleteText(page, context);
         return true;
     case IDC_WATERMARK_IN_FRONT:
-        context.watermark.placement = 0;
-        return true;
     case IDC_WATERMARK_BEHIND:
-        context.watermark.placement = 1;
+        context.watermark.placement = control - uint32_t{IDC_WATERMARK_IN_FRONT};
         return true;
     case IDC_WATERMARK_FIRST_PAGE:
-        context.watermark.flag = IsDlgButtonChecked(page, IDC_WATERMARK_FIRST_PAGE) == BST_CHECKED ? 1 : 0;
+        context.watermark.flag = IsChecked(page, control) ? 1 : 0;
         return true;
     default:
         return false;
     }
 }
 
-bool OnCommand(HWND page, int id, int notification) noexcept
-{
-    UIContext* context = ContextOf(page);
-    if (context == nullptr)
-    {
-        return false;
-    }
-    if (id == IDC_WATERMARK_TEXT && notification == CBN_SELCHANGE)
-    {
-        OnTextSelected(page, *context);
-        return true;
-    }
-    return notification == BN_CLICKED && OnButton(page, *context, id);
-}
-
-bool OnNotify(HWND page, const NMHDR* header) noexcept
-{
-    const UIContext* context = ContextOf(page);
-    if (header == nullptr || context == nullptr)
-    {
-        return false;
-    }
-    switch (header->code)
-    {
-    case PSN_APPLY:
-        if (context->comPropSheet != nullptr)
-        {
-            context->comPropSheet(context->comPropSheetHandle,
-                                  CPSFUNC_SET_RESULT,
-                                  reinterpret_cast<LPARAM>(context->watermarkPage),
-                                  CPSUI_OK);
-        }
-        SetWindowLongPtrW(page, DWLP_MSGRESULT, PSNRET_NOERROR);
-        return true;
-    case PSN_SETACTIVE:
-    case PSN_RESET:
-        SetWindowLongPtrW(page, DWLP_MSGRESULT, 0);
-        return true;
-    default:
-        return false;
-    }
-}
+constexpr PageHandlers kPage = {kFunction, &UIContext::watermarkPage, Open, Command, nullptr};
 
 } // namespace
 
 INT_PTR CALLBACK WatermarkProc(HWND page, UINT message, WPARAM wParam, LPARAM lParam) noexcept
 {
-    switch (message)
+    const WORD control = LOWORD(wParam);
+    if (message == WM_COMMAND && (control < IDC_WATERMARK_TEXT || control > IDC_WATERMARK_FIRST_PAGE))
     {
-    case WM_INITDIALOG:
-        OnInitDialog(page, lParam);
-        return TRUE;
-    case WM_COMMAND:
-        return OnCommand(page, LOWORD(wParam), HIWORD(wParam)) ? TRUE : FALSE;
-    case WM_NOTIFY:
-        return OnNotify(page, reinterpret_cast<const NMHDR*>(lParam)) ? TRUE : FALSE;
-    case WM_DESTROY:
-        return TRUE;
-    default:
         return FALSE;
     }
-}
-
-void RefreshWatermarkPreview(HWND page, UIContext& context) noexcept
-{
-    RenewPreview(page, context.watermark);
+    return AnswerPageMessage(kPage, page, message, wParam, lParam);
 }
 
 } // namespace tsypr

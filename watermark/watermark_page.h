@@ -13,9 +13,6 @@ namespace tsypr
 // live as long as the page. The device mode is read when the page is made; from then on only the context is edited.
 INT_PTR CALLBACK WatermarkProc(HWND page, UINT message, WPARAM wParam, LPARAM lParam) noexcept;
 
-// Draws the preview anew from the context's watermark block.
-void RefreshWatermarkPreview(HWND page, UIContext& context) noexcept;
-
 } // namespace tsypr
 
 #endif

@@ -23,12 +23,6 @@ protected:
         log.Take();
         Open(IDD_ADVANCED, AdvancedProc);
     }
-    std::string Copies() const
-    {
-        char text[16] = {};
-        GetDlgItemTextA(dialog, IDC_COPIES, text, sizeof(text));
-        return text;
-    }
     // The four buttons of the page, in their order.
     std::string Buttons() const
     {
@@ -41,41 +35,39 @@ TEST_F(AdvancedPage, OffersAsManyCopiesAsThePrinterMakes)
 {
     const std::string none = "error AdvancedProc, failed to get DC_COPIES capability.";
     const std::string closed = "error DrvDeviceCapabilities, failed to open remote printer Office Laser.";
-    struct Case
+    const std::tuple<bool, int32_t, short, DWORD, const wchar_t*, Messages> cases[] = {
+        {true, 50, 7, 0x10032, L"7", {}},
+        {true, -1, 1, 0x10001, L"1", {none}},
+        {true, 999, 0, 0x103E7, L"1", {}},
+        {false, 50, 2, 0x10001, L"2", {closed, none}}};
+    for (const auto& [opens, answer, copies, range, text, errors] : cases)
     {
-        bool opens;
-        int32_t answer;
-        short copies;
-        DWORD range; // upper end in the low word
-        const char* text;
-        Messages errors;
-    };
-    const Case cases[] = {{true, 50, 7, 0x10032, "7", {}},
-                          {true, -1, 1, 0x10001, "1", {none}},
-                          {true, 999, 0, 0x103E7, "1", {}},
-                          {false, 50, 2, 0x10001, "2", {closed, none}}};
-    for (const Case& one : cases)
-    {
-        service.opens = one.opens;
-        service.capabilities[DC_COPIES] = Answer(one.answer);
-        dm->dmCopies = one.copies;
+        service.opens = opens;
+        service.capabilities[DC_COPIES] = Answer(answer);
+        dm->dmCopies = copies;
         OpenPage();
-        EXPECT_EQ(static_cast<LRESULT>(one.range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
-        EXPECT_EQ(one.text, Copies());
-        EXPECT_EQ(std::max<int>(one.copies, 1), context.copies);
-        EXPECT_EQ(one.errors, Lines("error"));
+        EXPECT_EQ(static_cast<LRESULT>(range), Send(IDC_COPIES_SPIN, UDM_GETRANGE));
+        EXPECT_EQ(text, SpokenName(IDC_COPIES));
+        EXPECT_EQ(std::max<int>(copies, 1), context.copies);
+        EXPECT_EQ(errors, Lines("error"));
     }
     EXPECT_EQ(3, Send(IDC_COPIES, EM_GETLIMITTEXT));
+    EXPECT_EQ(L"Copies:", SpokenName(IDC_COPIES_SPIN));
+    EXPECT_EQ(L"Tessary", SpokenName(IDC_LOGO));
     EXPECT_EQ(LogoBitmap, reinterpret_cast<HBITMAP>(Send(IDC_LOGO, STM_GETIMAGE, IMAGE_BITMAP)));
     const std::pair<const char*, int> texts[] = {
-        {"1,5", 15}, {"", 0}, {"abc", 0}, {",,7", 7}, {"70000", 4464}, {"-3", -3}};
+        {"1,5", 15}, {"", 0}, {",,7", 7}, {"abc", 0}, {"70000", 4464}, {"-3", -3}};
     for (const auto& [text, copies] : texts)
     {
+        s_changes = 0;
         SetDlgItemTextA(dialog, IDC_COPIES, text);
+        EXPECT_EQ(1, s_changes) << text;
         EXPECT_EQ(TRUE, Notify(PSN_APPLY));
         EXPECT_EQ(copies, context.copies) << text;
     }
-    ExpectPageManners(&UIContext::advancedPage);
+    ExpectPageManners(&UIContext::advancedPage,
+                      {IDC_COMPRESSION},
+                      {IDC_PRINT_ON_CLIENT, IDC_PREVIEW_ON_CLIENT, IDC_PRE_DIALOG, IDC_PRINT_AS_IMAGE});
 }
 
 TEST_F(AdvancedPage, OffersThePrintTarget)
@@ -90,7 +82,10 @@ TEST_F(AdvancedPage, OffersThePrintTarget)
         uint8_t preDialog;
         const char* buttons; // all but the last
         uint32_t choice;
+        bool fails = false;
     };
+    const Messages failure = {"error ShowPrintChoice, failed to execute CheckRadioButton: 87 .",
+                              "error AdvancedProc, failed to call ShowPrintChoice."};
     constexpr uint32_t kUntouched = 77;
     const Case cases[] = {
         {kOwnDriverName, 0, 0, std::nullopt, kEveryFeature, 0, "on, off, off", 0},
@@ -98,7 +93,7 @@ TEST_F(AdvancedPage, OffersThePrintTarget)
         {kOwnDriverName, 0, 0, std::nullopt, kFeatureNup, 1, "on, off, x off", 0},
         {kOwnDriverName, 0, 1, std::nullopt, kEveryFeature, 1, "off, on, x off", 1},
         {kOwnDriverName, 0, 1, 0, kEveryFeature, 1, "on, off, on", 0},
-        {kOwnDriverName, 0, 0, 9, kEveryFeature, 1, "off, off, x off", 9}, // neither
+        {kOwnDriverName, 0, 0, 9, kEveryFeature, 1, "off, off, off", kUntouched, true}, // there is no such choice
         {kOwnDriverName, 1, 1, 0, kEveryFeature, 0, "x off, x on, x off", 1},
         {kOwnDriverName, 1, 0, 1, kEveryFeature, 0, "x on, x off, x off", 0},
         {kOwnDriverName, 1, 0, 1, kEveryFeature, 1, "x on, x off, on", 0}, // enabled again, as it is meant
@@ -123,7 +118,7 @@ TEST_F(AdvancedPage, OffersThePrintTarget)
         EXPECT_TRUE(Buttons().starts_with(std::string(one.buttons) + ", ")) << Buttons();
         EXPECT_EQ(one.choice, context.printChoice);
         EXPECT_EQ(one.choice, dm.Private().printTargetChoice);
-        EXPECT_EQ(Messages{}, Lines("error"));
+        EXPECT_EQ(one.fails ? failure : Messages{}, Lines("error"));
     }
     OpenPage();
     EXPECT_EQ(Messages{"verbose ShowPrintChoice, print choice is disabled and the default is 1 "
@@ -172,17 +167,16 @@ TEST_F(AdvancedPage, KeepsPrivateSettingsOffWhereTheyHaveNoPlace)
     dm.Private().featureBitmap = 0;
     OpenPage();
     EXPECT_EQ("on, off, x off, x off", Buttons()) << "without the features";
-    SetCurrentDriverName(L"Another Driver");
-    OpenPage();
-    EXPECT_EQ("x on, x off, x off, x off", Buttons());
-    EXPECT_EQ("x ", List(IDC_COMPRESSION));
-    SetCurrentDriverName(kOwnDriverName);
-    dm.Private().signature = 0;
-    const Bytes before = dm.Whole();
-    OpenPage();
-    EXPECT_EQ("x on, x off, x off, x off", Buttons());
-    EXPECT_EQ("x ", List(IDC_COMPRESSION));
-    EXPECT_EQ(before, dm.Whole());
+    for (const bool ownDriver : {false, true}) // another driver's printer, and one without a private block
+    {
+        SetCurrentDriverName(ownDriver ? kOwnDriverName : L"Another Driver");
+        dm.Private().signature = ownDriver ? 0 : kPrivateDevModeSignature;
+        const Bytes before = dm.Whole();
+        OpenPage();
+        EXPECT_EQ("x on, x off, x off, x off", Buttons());
+        EXPECT_EQ("x ", List(IDC_COMPRESSION));
+        EXPECT_EQ(before, dm.Whole());
+    }
     dm.Private().signature = kPrivateDevModeSignature;
     dm.Private().compression = 0xFFFFFFFF;
     OpenPage();

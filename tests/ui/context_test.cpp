@@ -1,5 +1,6 @@
 // What a property sheet starts with.
 #include "tests/printschema/documents.h"
+#include "tests/watermark/system_calls.h"
 #include "tests/ui/page_fixture.h"
 #include "ui/print_caps_thread.h"
 
@@ -40,10 +41,9 @@ protected:
         InitUIContext(&context, dm.Get());
         return Lines(" Init");
     }
-    Values Indices() const
+    std::string Indices() const
     {
-        return Values() << context.pagesPerSheet << context.nupDirectionIndex << context.stapleIndex
-                        << context.punchIndex;
+        return Numbers({context.pagesPerSheet, context.nupDirectionIndex, context.stapleIndex, context.punchIndex});
     }
 };
 
@@ -74,13 +74,20 @@ TEST_F(Context, LoadsTheFieldsThatAreSet)
         EXPECT_EQ(Messages{}, Initialise());
         EXPECT_EQ(Messages{}, service.TakeCalls());
         EXPECT_EQ(values,
-                  Values() << context.paperSource << context.paperSize << context.customPaperWidth
-                           << context.customPaperLength << context.mediaType << context.orientation << context.duplex
-                           << context.color << context.printQuality << context.yResolution << context.copies);
+                  Numbers({context.paperSource,
+                           context.paperSize,
+                           context.customPaperWidth,
+                           context.customPaperLength,
+                           context.mediaType,
+                           context.orientation,
+                           context.duplex,
+                           context.color,
+                           context.printQuality,
+                           context.yResolution,
+                           context.copies}));
         EXPECT_EQ((fields & DM_FORMNAME) != 0 ? std::wstring(31, L'f') : L"", context.formName);
         EXPECT_EQ("3 1 1 1",
-                  Values() << context.compression << context.printChoice << context.showPreDialog
-                           << context.printAsImage);
+                  Numbers({context.compression, context.printChoice, context.showPreDialog, context.printAsImage}));
         EXPECT_EQ("0 0 0 0", Indices());
     }
 }
@@ -93,7 +100,7 @@ TEST_F(Context, HasAWatermarkOfItsOwnWhereThereIsNone)
     EXPECT_STREQ(L"No Watermark", watermark.text);
     EXPECT_STREQ(L"Times New Roman", watermark.font.lfFaceName);
     EXPECT_EQ("96 700 255 0",
-              Values() << watermark.font.lfHeight << watermark.font.lfWeight << watermark.color << watermark.pointSize);
+              Numbers({watermark.font.lfHeight, watermark.font.lfWeight, watermark.color, watermark.pointSize}));
     std::memset(dm.Private().watermark, 0x5A, kWatermarkBytes);
     Initialise();
     EXPECT_EQ(0, std::memcmp(&watermark, dm.Private().watermark, kWatermarkBytes));
@@ -118,6 +125,10 @@ TEST_F(Context, AsksThePrinterForItsOptions)
     service.ptReplies[2].data = BytesOf(Capabilities(""));
     EXPECT_EQ((Messages{begin, first[1], bad + "GetNupCapability failed", bad + "GetFinishingCapability failed"}),
               Initialise());
+    EXPECT_EQ("16 1 1 0", Indices());
+
+    FailCall("CreateThread");
+    EXPECT_EQ(Messages{"error InitUIContext, Failed to create InitPrintCaps thread"}, Initialise());
     EXPECT_EQ("16 1 1 0", Indices());
 
     // One feature alone; and the name in the device mode is not the context's.

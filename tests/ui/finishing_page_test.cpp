@@ -9,9 +9,13 @@ namespace
 class FinishingPage : public PageTest
 {
 protected:
-    void OpenPage()
+    std::string Lists() const
     {
-        Open(IDD_FINISHING, FinishingProc);
+        return List(IDC_STAPLE) + ", " + List(IDC_PUNCH);
+    }
+    std::string Indices() const
+    {
+        return Numbers({context.stapleIndex, context.punchIndex});
     }
 };
 
@@ -21,58 +25,44 @@ TEST_F(FinishingPage, OffersStaplesAndHoles)
                                       {L"psk:LeftEdge", L"psk:TopEdge", L"psk:LeftEdge"}};
     FinishingCapabilities.Store(L"Office Laser", capability);
     dm.Private().staple.Write(L"PSK:SADDLESTITCH"); // another keyword
-    OpenPage();
-    EXPECT_EQ(">None|Saddle Stitch|ns:Glue", List(IDC_STAPLE));
-    EXPECT_EQ("LeftEdge|TopEdge|>LeftEdge", List(IDC_PUNCH)) << "the last of equal keywords wins";
-    EXPECT_EQ(0, context.stapleIndex);
-    EXPECT_EQ(2, context.punchIndex);
+    Open(IDD_FINISHING, FinishingProc);
+    EXPECT_EQ(">None|Saddle Stitch|ns:Glue, LeftEdge|TopEdge|>LeftEdge", Lists()) << "the last of equal keywords wins";
+    EXPECT_EQ("0 2", Indices());
     Choose(IDC_STAPLE, 2);
     Choose(IDC_PUNCH, 1);
-    EXPECT_TRUE(Command(IDC_PUNCH, CBN_DROPDOWN));
-    ExpectPageManners(&UIContext::finishingPage);
-    EXPECT_EQ(2, context.stapleIndex);
-    EXPECT_EQ(1, context.punchIndex);
+    ExpectPageManners(&UIContext::finishingPage, {IDC_STAPLE, IDC_PUNCH});
+    EXPECT_EQ("2 1", Indices());
     Choose(IDC_PUNCH, -1);
-    EXPECT_EQ(-1, context.punchIndex);
+    EXPECT_EQ("2 -1", Indices());
 
     capability.punches.clear();
     FinishingCapabilities.Store(L"Office Laser", capability);
     dm.Private().staple.Write(L"psk:SaddleStitch");
-    OpenPage();
-    EXPECT_EQ("None|>Saddle Stitch|ns:Glue", List(IDC_STAPLE));
-    EXPECT_EQ("x ", List(IDC_PUNCH));
-    EXPECT_EQ(-1, context.punchIndex);
+    Open(IDD_FINISHING, FinishingProc);
+    EXPECT_EQ("None|>Saddle Stitch|ns:Glue, x ", Lists());
+    EXPECT_EQ("1 -1", Indices());
+    FinishingCapabilities.Store(L"Office Laser", {{}, std::vector<std::wstring>(2000, L"psk:None")});
+    Open(IDD_FINISHING, FinishingProc);
+    EXPECT_EQ("-1 0", Indices());
+    EXPECT_EQ(2000, Send(IDC_PUNCH, CB_GETCOUNT));
 }
 
 TEST_F(FinishingPage, HasNothingToOfferWhereThePrinterHasNot)
 {
     FinishingCapabilities.Store(L"Office Laser", {{L"psk:None"}, {L"psk:None"}});
-    struct Case
+    const std::string unsupported = ", printer \"Office Laser\" or client version doesn't support finishing";
+    const std::string unknown = ", no Finishing capabilities data for \"Else\".";
+    for (const bool feature : {false, true})
     {
-        bool feature;
-        const wchar_t* printer;
-        Messages messages;
-    };
-    const Case cases[] = {
-        {false,
-         L"Office Laser",
-         {"verbose PopulateStaple, printer \"Office Laser\" or client version doesn't support finishing",
-          "verbose PopulatePunch, printer \"Office Laser\" or client version doesn't support finishing"}},
-        {true,
-         L"Else",
-         {"error PopulateStaple, no Finishing capabilities data for \"Else\".",
-          "error PopulatePunch, no Finishing capabilities data for \"Else\"."}},
-    };
-    for (const Case& one : cases)
-    {
-        dm.Private().featureBitmap = one.feature ? kEveryFeature : 0;
-        wcscpy(context.printerName, one.printer);
+        dm.Private().featureBitmap = feature ? kEveryFeature : 0;
+        wcscpy(context.printerName, feature ? L"Else" : L"Office Laser");
         log.Take();
-        OpenPage();
-        EXPECT_EQ(one.messages, log.Take());
-        EXPECT_EQ("x ", List(IDC_STAPLE));
-        EXPECT_EQ("x ", List(IDC_PUNCH));
-        EXPECT_EQ(std::pair(-1, -1), std::pair(context.stapleIndex, context.punchIndex));
+        Open(IDD_FINISHING, FinishingProc);
+        const std::string begin = feature ? "error Populate" : "verbose Populate";
+        const std::string& end = feature ? unknown : unsupported;
+        EXPECT_EQ((Messages{begin + "Staple" + end, begin + "Punch" + end}), log.Take());
+        EXPECT_EQ("x , x ", Lists());
+        EXPECT_EQ("-1 -1", Indices());
     }
 }
 

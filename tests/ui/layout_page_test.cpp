@@ -31,26 +31,19 @@ protected:
 
 TEST_F(LayoutPage, OffersOrientation)
 {
-    struct Case
+    const std::tuple<std::optional<int32_t>, short, const char*, HBITMAP> cases[] = {
+        {90, DMORIENT_PORTRAIT, ">Portrait|Landscape", PortraitBitmap},
+        {270, DMORIENT_LANDSCAPE, "Portrait|>Landscape", LandscapeBitmap},
+        {std::nullopt, 0, "Portrait|>Landscape", LandscapeBitmap},
+        {0, DMORIENT_LANDSCAPE, "x >Portrait", nullptr}};
+    for (const auto& [answer, orientation, list, picture] : cases)
     {
-        std::optional<int32_t> answer;
-        short orientation;
-        const char* list;
-        HBITMAP picture;
-    };
-    const Case cases[] = {{90, DMORIENT_PORTRAIT, ">Portrait|Landscape", PortraitBitmap},
-                          {270, DMORIENT_LANDSCAPE, "Portrait|>Landscape", LandscapeBitmap},
-                          {std::nullopt, 0, "Portrait|>Landscape", LandscapeBitmap},
-                          {0, DMORIENT_LANDSCAPE, "x >Portrait", nullptr}};
-    for (const Case& one : cases)
-    {
-        SCOPED_TRACE(one.list);
-        service.capabilities[DC_ORIENTATION] = {one.answer, std::nullopt};
+        service.capabilities[DC_ORIENTATION] = {answer, std::nullopt};
         dm->dmFields = 0; // does not count
-        dm->dmOrientation = one.orientation;
+        dm->dmOrientation = orientation;
         OpenPage();
-        EXPECT_EQ(one.list, List(IDC_ORIENTATION));
-        EXPECT_EQ(one.picture, Picture());
+        EXPECT_EQ(list, List(IDC_ORIENTATION));
+        EXPECT_EQ(picture, Picture());
     }
     OpenPage();
     service.opens = false;
@@ -58,43 +51,37 @@ TEST_F(LayoutPage, OffersOrientation)
     OpenPage();
     EXPECT_EQ(Messages(2, "error DrvDeviceCapabilities, failed to open remote printer Office Laser."), Lines("error"));
     EXPECT_EQ("Portrait|>Landscape", List(IDC_ORIENTATION));
-    Choose(IDC_ORIENTATION, 0);
-    EXPECT_EQ(DMORIENT_PORTRAIT, context.orientation);
-    EXPECT_EQ(PortraitBitmap, Picture());
-    Choose(IDC_ORIENTATION, 1);
-    EXPECT_EQ(DMORIENT_LANDSCAPE, context.orientation);
-    EXPECT_EQ(LandscapeBitmap, Picture());
+    for (const int position : {0, 1, -1})
+    {
+        Choose(IDC_ORIENTATION, position);
+        EXPECT_EQ(position == 0 ? DMORIENT_PORTRAIT : DMORIENT_LANDSCAPE, context.orientation);
+        EXPECT_EQ(position == 0 ? PortraitBitmap : LandscapeBitmap, Picture());
+        EXPECT_EQ(position == 0 ? L"Portrait" : L"Landscape", SpokenName(IDC_ORIENTATION_PICTURE));
+    }
 }
 
 TEST_F(LayoutPage, OffersBothSides)
 {
-    struct Case
+    const std::tuple<DWORD, uint32_t, int32_t, short, const char*> cases[] = {
+        {DM_DUPLEX, kLockedDuplex, 1, 3, "x >Flip On Short Edge"},
+        {DM_DUPLEX, kLockedDuplex, 1, 9, "x "},
+        {0, kLockedDuplex, 1, 2, "None|>Flip On Long Edge|Flip On Short Edge"},
+        {DM_DUPLEX, 0, 0, 2, "x >None|Flip On Long Edge|Flip On Short Edge"},
+        {DM_DUPLEX, 0, -1, 9, "None|Flip On Long Edge|>Flip On Short Edge"},
+        {DM_DUPLEX, 0, 1, 1, ">None|Flip On Long Edge|Flip On Short Edge"}};
+    for (const auto& [fields, locked, answer, duplex, list] : cases)
     {
-        DWORD fields;
-        uint32_t locked;
-        int32_t answer;
-        short duplex;
-        const char* list;
-    };
-    const Case cases[] = {{DM_DUPLEX, kLockedDuplex, 1, 3, "x >Flip On Short Edge"},
-                          {DM_DUPLEX, kLockedDuplex, 1, 9, "x "},
-                          {0, kLockedDuplex, 1, 2, "None|>Flip On Long Edge|Flip On Short Edge"},
-                          {DM_DUPLEX, 0, 0, 2, "x >None|Flip On Long Edge|Flip On Short Edge"},
-                          {DM_DUPLEX, 0, -1, 9, "None|Flip On Long Edge|>Flip On Short Edge"},
-                          {DM_DUPLEX, 0, 1, 1, ">None|Flip On Long Edge|Flip On Short Edge"}};
-    for (const Case& one : cases)
-    {
-        dm->dmFields = one.fields;
-        dm->dmDuplex = one.duplex;
-        dm.Private().lockedSettings = one.locked;
-        service.capabilities[DC_DUPLEX] = Answer(one.answer);
+        dm->dmFields = fields;
+        dm->dmDuplex = duplex;
+        dm.Private().lockedSettings = locked;
+        service.capabilities[DC_DUPLEX] = Answer(answer);
         OpenPage();
-        EXPECT_EQ(one.list, List(IDC_DUPLEX));
+        EXPECT_EQ(list, List(IDC_DUPLEX));
     }
-    for (int position = 2; position >= 0; --position)
+    for (const auto& [position, duplex] : {std::pair(2, 3), {1, 2}, {0, 1}, {-1, 3}})
     {
         Choose(IDC_DUPLEX, position);
-        EXPECT_EQ(position + 1, context.duplex);
+        EXPECT_EQ(duplex, context.duplex);
     }
 }
 
@@ -109,8 +96,10 @@ TEST_F(LayoutPage, OffersSeveralPagesOnASheet)
     Choose(IDC_PAGES_PER_SHEET, 3);
     EXPECT_EQ(0, context.nupDirectionIndex);
     EXPECT_EQ(4U, context.pagesPerSheet) << "is read on applying only";
-    ExpectPageManners(&UIContext::layoutPage);
+    ExpectPageManners(&UIContext::layoutPage, {IDC_ORIENTATION, IDC_DUPLEX, IDC_PAGES_PER_SHEET, IDC_PAGE_ORDER});
     EXPECT_EQ(16U, context.pagesPerSheet);
+    Choose(IDC_PAGE_ORDER, -1);
+    EXPECT_EQ(-1, context.nupDirectionIndex);
 
     // The last of equal entries wins, an unknown keyword is its own text, and three characters of a number count.
     NupCapabilities.Store(L"Office Laser", {{L"4", L"2048", L"4"}, {L"ns:Odd", L"psk:TopLeft", L"psk:TopLeft"}});
@@ -120,45 +109,35 @@ TEST_F(LayoutPage, OffersSeveralPagesOnASheet)
     Choose(IDC_PAGES_PER_SHEET, 1);
     Notify(PSN_APPLY);
     EXPECT_EQ(204U, context.pagesPerSheet);
+
+    NupCapabilities.Store(L"Office Laser", {std::vector<std::wstring>(2000, L"4"), {L"psk:RightBottom"}});
+    OpenPage();
+    EXPECT_EQ("2000 1999", Numbers({Send(IDC_PAGES_PER_SHEET, CB_GETCOUNT), Send(IDC_PAGES_PER_SHEET, CB_GETCURSEL)}));
+    EXPECT_EQ(">Right then Down", List(IDC_PAGE_ORDER));
 }
 
 TEST_F(LayoutPage, HasNothingToOfferWhereThePrinterHasNot)
 {
-    struct Case
-    {
-        bool feature;
-        const wchar_t* printer;
-        NupCapability capability;
-        const char* pages;
-        const char* order;
-        Messages message;
-        uint32_t applied;
-    };
-    const Case cases[] = {
-        {false,
-         L"Office Laser",
-         {},
-         "x ",
-         "x ",
-         {"verbose PopulateNup, printer \"Office Laser\" or client version doesn't support N-up"},
-         1},
+    const std::string unsupported = "PopulateNup, printer \"Office Laser\" or client version doesn't support N-up";
+    const std::tuple<bool, const wchar_t*, NupCapability, const char*, const char*, Messages, uint32_t> cases[] = {
+        {false, L"Office Laser", {}, "x ", "x ", {"verbose " + unsupported}, 1},
         {true, L"Else", {}, "x ", "x ", {"error PopulateNup, no Nup capabilities data for \"Else\"."}, 1},
         {true, L"Office Laser", {{}, {L"psk:TopLeft"}}, "x ", "x ", {}, 1},
         {true, L"Office Laser", {{L"2", L"8"}, {}}, ">2|8", "x ", {}, 2},
     };
-    for (const Case& one : cases)
+    for (const auto& [feature, printer, capability, pages, order, message, applied] : cases)
     {
-        dm.Private().featureBitmap = one.feature ? kEveryFeature : 0;
-        NupCapabilities.Store(L"Office Laser", one.capability);
-        wcscpy(context.printerName, one.printer);
+        dm.Private().featureBitmap = feature ? kEveryFeature : 0;
+        NupCapabilities.Store(L"Office Laser", capability);
+        wcscpy(context.printerName, printer);
         log.Take();
         OpenPage();
-        EXPECT_EQ(one.pages, List(IDC_PAGES_PER_SHEET));
-        EXPECT_EQ(one.order, List(IDC_PAGE_ORDER));
+        EXPECT_EQ(pages, List(IDC_PAGES_PER_SHEET));
+        EXPECT_EQ(order, List(IDC_PAGE_ORDER));
         EXPECT_EQ(-1, context.nupDirectionIndex);
-        EXPECT_EQ(one.message, Lines("Nup, "));
+        EXPECT_EQ(message, Lines("Nup, "));
         Notify(PSN_APPLY);
-        EXPECT_EQ(one.applied, context.pagesPerSheet);
+        EXPECT_EQ(applied, context.pagesPerSheet);
     }
 }
 

@@ -11,8 +11,6 @@
 #include "ui/driver_name.h"
 #include "ui/ui_context.h"
 
-#include <filesystem>
-
 namespace tsypr::test
 {
 
@@ -22,12 +20,7 @@ inline constexpr uint32_t kEveryFeature =
 // The English language library as the module's resources, loaded once.
 inline void UseEnglish()
 {
-    static const HMODULE s_library = []
-    {
-        wchar_t program[MAX_PATH];
-        GetModuleFileNameW(nullptr, program, MAX_PATH);
-        return LoadLibraryW((std::filesystem::path(program).parent_path() / L"tsyprUI_en_us_409.dll").c_str());
-    }();
+    static const HMODULE s_library = LoadLibraryW(L"tsyprUI_en_us_409.dll");
     static const HBITMAP s_portrait = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_PORTRAIT));
     static const HBITMAP s_landscape = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_LANDSCAPE));
     static const HBITMAP s_logo = LoadBitmapW(s_library, MAKEINTRESOURCEW(IDB_LOGO));
@@ -54,25 +47,24 @@ inline CapabilityReply Answer(int32_t result)
     return {result, std::nullopt};
 }
 
-// Numbers as one text: Values() << 1 << 2 is "1 2".
-struct Values
+// As one text, "1 2".
+inline std::string Numbers(std::initializer_list<long long> numbers)
 {
-    template <typename Number>
-    Values& operator<<(Number number)
+    std::string text;
+    for (const long long number : numbers)
     {
         text += (text.empty() ? "" : " ") + std::to_string(number);
-        return *this;
     }
-    friend bool operator==(const char* expected, const Values& values)
-    {
-        return values.text == expected;
-    }
-    friend void PrintTo(const Values& values, std::ostream* out)
-    {
-        *out << values.text;
-    }
-    std::string text;
-};
+    return text;
+}
+
+// Too long, with combining marks, from right to left, beyond the basic plane, and ill-formed.
+inline const std::wstring kOddTexts[] = {std::wstring(127, L'x'),
+                                         std::wstring(128, L'x'),
+                                         L"e\u0301a\u0308\u0323",
+                                         L"\u05E9\u05DC\u05D5\u05DD",
+                                         L"\U0001F600\U00020BB7",
+                                         L"\xD800x"};
 
 class PageTest : public RemoteTest
 {
@@ -124,9 +116,12 @@ protected:
         page.dwSize = sizeof(page);
         page.lParam = reinterpret_cast<LPARAM>(&context);
         owner = CreateWindowExW(0, L"Static", L"", WS_POPUP, 0, 0, 600, 600, nullptr, nullptr, nullptr, nullptr);
+        SetWindowLongPtrW(owner, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&SheetProcedure));
+        s_changes = 0;
         dialog = CreateDialogParamW(
             ResourceModule, MAKEINTRESOURCEW(dialogId), owner, procedure, reinterpret_cast<LPARAM>(&page));
         ASSERT_NE(dialog, nullptr) << GetLastError();
+        EXPECT_EQ(0, s_changes) << "opening a page changes nothing";
     }
     void Close()
     {
@@ -141,6 +136,14 @@ protected:
     LRESULT Send(int id, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const
     {
         return SendMessageW(Item(id), message, wParam, lParam);
+    }
+
+    // What a screen reader calls a control: the text of its window.
+    std::wstring SpokenName(int id) const
+    {
+        wchar_t name[64] = {};
+        GetDlgItemTextW(dialog, id, name, 64);
+        return name;
     }
 
     // A list as "one|>selected|three", with "x " before it when it is disabled, and a complaint when its label is not
@@ -188,9 +191,26 @@ protected:
         return procedure(dialog, message, wParam, lParam);
     }
 
-    // The notifications that every page answers in the same way, confirming last.
-    void ExpectPageManners(HANDLE UIContext::*handle)
+    // What every page does in the same way: telling the sheet that the user changed a setting, and answering its
+    // notifications, confirming last.
+    void ExpectPageManners(HANDLE UIContext::*handle,
+                           const std::vector<int>& lists,
+                           const std::vector<int>& buttons = {})
     {
+        const auto changes = [this](int id, int notification)
+        {
+            s_changes = 0;
+            Command(id, notification);
+            return s_changes;
+        };
+        for (const int id : lists)
+        {
+            EXPECT_EQ("0 1", Numbers({changes(id, CBN_DROPDOWN), changes(id, CBN_SELCHANGE)})) << id;
+        }
+        for (const int id : buttons)
+        {
+            EXPECT_EQ(1, changes(id, BN_CLICKED)) << id;
+        }
         context.*handle = reinterpret_cast<HANDLE>(0xA0);
         s_results.clear();
         EXPECT_EQ(TRUE, Notify(PSN_RESET));
@@ -200,23 +220,22 @@ protected:
         EXPECT_EQ(TRUE, CallProcedure(WM_DESTROY));
         EXPECT_EQ(Messages{}, s_results);
         EXPECT_EQ(TRUE, Notify(PSN_APPLY));
-        EXPECT_EQ(Messages{"c0 9 a0 1"}, s_results);
+        EXPECT_EQ(Messages{"192 9 160 1"}, s_results);
+    }
+
+    static LRESULT CALLBACK SheetProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        s_changes += message == PSM_CHANGED && GetParent(reinterpret_cast<HWND>(wParam)) == window ? 1 : 0;
+        return DefWindowProcW(window, message, wParam, lParam);
     }
 
     static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
     {
-        char text[64];
-        snprintf(text,
-                 sizeof(text),
-                 "%x %u %x %d",
-                 static_cast<unsigned>(reinterpret_cast<uintptr_t>(sheet)),
-                 function,
-                 static_cast<unsigned>(first),
-                 static_cast<int>(second));
-        s_results.emplace_back(text);
+        s_results.push_back(Numbers({reinterpret_cast<intptr_t>(sheet), function, first, second}));
         return 1;
     }
 
+    inline static int s_changes = 0;  // that a page told its sheet
     inline static Messages s_results; // calls of the common property sheet interface
     TestRegistry registry;
     DeviceMode dm;

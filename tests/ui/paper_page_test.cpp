@@ -7,7 +7,7 @@ namespace tsypr::test
 namespace
 {
 
-const std::string kFullName(24, 'b');
+const std::string kFullName(24, 'b'), kFullPaper(64, 'p');
 
 class PaperPage : public PageTest
 {
@@ -45,37 +45,50 @@ protected:
         Choose(IDC_MEDIACOMBO, 1);
         Choose(IDC_PRINT_QUALITY, 1);
     }
-    Values Chosen() const
+    std::string Lists() const
     {
-        return Values() << context.paperSource << context.paperSize << context.mediaType << context.color
-                        << context.printQuality << context.yResolution;
+        return List(IDC_PAPER_SOURCE) + ", " + List(IDC_PAPER_SIZE) + ", " + List(IDC_MEDIACOMBO) + ", " +
+               List(IDC_PRINT_QUALITY);
+    }
+    std::string Chosen() const
+    {
+        return Numbers({context.paperSource,
+                        context.paperSize,
+                        context.mediaType,
+                        context.color,
+                        context.printQuality,
+                        context.yResolution});
     }
 };
 
 TEST_F(PaperPage, ShowsWhatThePrinterOffersAndTakesTheChoice)
 {
     OpenPage();
-    EXPECT_EQ("Upper|>" + kFullName + "|Manual", List(IDC_PAPER_SOURCE));
-    EXPECT_EQ("Letter|>A4|" + std::string(64, 'p'), List(IDC_PAPER_SIZE));
-    EXPECT_EQ("Plain|>Glossy", List(IDC_MEDIACOMBO));
-    EXPECT_EQ("Black/White|>Color", List(IDC_COLOR));
-    EXPECT_EQ("300 x 300|600 x 300|>600 x 600", List(IDC_PRINT_QUALITY));
+    EXPECT_EQ("Upper|>" + kFullName + "|Manual, Letter|>A4|" + kFullPaper +
+                  ", Plain|>Glossy, 300 x 300|600 x 300|>600 x 600",
+              Lists());
     EXPECT_NE(0U, dm->dmFields & DM_DEFAULTSOURCE);
     EXPECT_EQ(Messages{}, Lines("error"));
     ChooseLasts();
     Choose(IDC_COLOR, 0);
     EXPECT_EQ("4 300 300 1 600 300", Chosen());
     EXPECT_EQ(std::wstring(31, L'p'), context.formName);
-    Choose(IDC_COLOR, 1);
+    Choose(IDC_COLOR, -1);
     EXPECT_EQ(DMCOLOR_COLOR, context.color);
-    ExpectPageManners(&UIContext::paperPage);
+    const std::vector<int> lists = {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_COLOR, IDC_PRINT_QUALITY};
+    ExpectPageManners(&UIContext::paperPage, lists);
+    const std::string chosen = Chosen();
+    for (const int id : {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_PRINT_QUALITY})
+    {
+        Choose(id, -1);
+    }
+    EXPECT_EQ(chosen, Chosen()) << "nothing selected";
+    EXPECT_EQ(std::wstring(31, L'p'), context.formName);
 
     context.paperSource = context.paperSize = 99;
     context.mediaType = 99;
     OpenPage();
-    EXPECT_EQ(">Upper|" + kFullName + "|Manual", List(IDC_PAPER_SOURCE));
-    EXPECT_EQ("Letter|A4|" + std::string(64, 'p'), List(IDC_PAPER_SIZE));
-    EXPECT_EQ(">Plain|Glossy", List(IDC_MEDIACOMBO));
+    EXPECT_TRUE(Lists().starts_with(">Upper|" + kFullName + "|Manual, Letter|A4|" + kFullPaper + ", >Plain|Glossy, "));
     EXPECT_EQ((Messages{"verbose GetMatchedPaperSourceIndex, no matched value in provided paper source: 99.",
                         "verbose PopulatePaperSource - context-paperSource: 99"}),
               Lines("aper"));
@@ -93,6 +106,11 @@ TEST_F(PaperPage, DisablesWhatThePrinterDoesNotTell)
               Lines("error Populate"));
     EXPECT_EQ("Black/White|>Color", List(IDC_COLOR));
     EXPECT_EQ(0U, dm->dmFields & DM_DEFAULTSOURCE);
+    service.opens = false;
+    PopulateColors(dialog, dm.Get(), context);
+    EXPECT_EQ(Messages{"error DrvDeviceCapabilities, failed to open remote printer Office Laser."}, log.TakeErrors());
+    EXPECT_EQ("Black/White|>Color", List(IDC_COLOR));
+    service.opens = true;
     for (const bool counted : {false, true}) // lists that do not come, and counts without entries
     {
         for (const int list : {DC_BINNAMES, DC_PAPERNAMES, DC_MEDIATYPENAMES, DC_ENUMRESOLUTIONS})
@@ -100,10 +118,7 @@ TEST_F(PaperPage, DisablesWhatThePrinterDoesNotTell)
             service.capabilities[static_cast<WORD>(list)] = counted ? ListReply<BYTE>(5, {1}) : CapabilityReply{};
         }
         OpenPage();
-        for (const int id : {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_PRINT_QUALITY})
-        {
-            EXPECT_EQ("x ", List(id));
-        }
+        EXPECT_EQ("x , x , x , x ", Lists());
     }
     service.capabilities[DC_BINNAMES] = whole.at(DC_BINNAMES);
     OpenPage();
@@ -133,28 +148,21 @@ TEST_F(PaperPage, DisablesWhatThePrinterDoesNotTell)
 
 TEST_F(PaperPage, OffersColor)
 {
-    struct Case
+    const std::tuple<DWORD, uint32_t, int32_t, short, const char*> cases[] = {
+        {DM_COLOR, kLockedColor, 1, 2, "x >Color"},
+        {DM_COLOR, kLockedColor, 1, 1, "x >Black/White"},
+        {DM_COLOR, kLockedColor, 1, 7, "x "},
+        {0, kLockedColor, 1, 1, ">Black/White|Color"},
+        {DM_COLOR, 0, 0, 2, "x >Black/White"},
+        {DM_COLOR, 0, 1, 0, "Black/White|>Color"}};
+    for (const auto& [fields, locked, answer, color, list] : cases)
     {
-        DWORD fields;
-        uint32_t locked;
-        int32_t answer;
-        short color;
-        const char* list;
-    };
-    const Case cases[] = {{DM_COLOR, kLockedColor, 1, 2, "x >Color"},
-                          {DM_COLOR, kLockedColor, 1, 1, "x >Black/White"},
-                          {DM_COLOR, kLockedColor, 1, 7, "x "},
-                          {0, kLockedColor, 1, 1, ">Black/White|Color"},
-                          {DM_COLOR, 0, 0, 2, "x >Black/White"},
-                          {DM_COLOR, 0, 1, 0, "Black/White|>Color"}};
-    for (const Case& one : cases)
-    {
-        dm->dmFields = one.fields;
-        dm->dmColor = one.color;
-        dm.Private().lockedSettings = one.locked;
-        service.capabilities[DC_COLORDEVICE] = Answer(one.answer);
+        dm->dmFields = fields;
+        dm->dmColor = color;
+        dm.Private().lockedSettings = locked;
+        service.capabilities[DC_COLORDEVICE] = Answer(answer);
         OpenPage();
-        EXPECT_EQ(one.list, List(IDC_COLOR));
+        EXPECT_EQ(list, List(IDC_COLOR));
     }
 }
 
@@ -186,7 +194,7 @@ TEST_F(PaperPage, OffersQualityLevelsOrResolutions)
         EXPECT_EQ(one.invalid ? Messages{"error PopulateDPIs, invalid max DPI level GPO"} : Messages{}, Lines("DPI "));
     }
     Choose(IDC_PRINT_QUALITY, 2);
-    EXPECT_EQ("-3 600", Values() << context.printQuality << context.yResolution);
+    EXPECT_EQ("-3 600", Numbers({context.printQuality, context.yResolution}));
 }
 
 TEST_F(PaperPage, HidesTheMediaTypeUnlessTheAdministratorOffersIt)
@@ -209,15 +217,29 @@ TEST_F(PaperPage, HidesTheMediaTypeUnlessTheAdministratorOffersIt)
 
 TEST_F(PaperPage, TakesListsOfAnyLengthAndCountsThatLie)
 {
-    service.capabilities[DC_PAPERNAMES] = NamesReply(64, std::vector<std::wstring>(2000, L"Paper"));
-    service.capabilities[DC_PAPERS] = ListReply<int16_t>(2000, std::vector<int16_t>(2000, 9));
-    service.capabilities[DC_BINNAMES] = NamesReply(24, {L"Only"});
-    service.capabilities[DC_BINNAMES].result = 5000;
-    service.capabilities[DC_BINS].result = 5000;
+    auto& lists = service.capabilities;
+    for (const size_t count : {size_t{1}, size_t{2000}})
+    {
+        const auto stated = static_cast<int32_t>(count);
+        lists[DC_BINNAMES] = NamesReply(24, std::vector<std::wstring>(count, std::wstring(24, L'b')));
+        lists[DC_PAPERNAMES] = NamesReply(64, std::vector<std::wstring>(count, std::wstring(64, L'p')));
+        lists[DC_MEDIATYPENAMES] = NamesReply(64, std::vector<std::wstring>(count, std::wstring(64, L'm')));
+        lists[DC_PAPERS] = ListReply<int16_t>(stated, std::vector<int16_t>(count, 9));
+        lists[DC_ENUMRESOLUTIONS] = ListReply<Resolution>(stated, std::vector<Resolution>(count, {72, 72}));
+        OpenPage();
+        for (const int id : {IDC_PAPER_SOURCE, IDC_PAPER_SIZE, IDC_MEDIACOMBO, IDC_PRINT_QUALITY})
+        {
+            EXPECT_EQ(stated, Send(id, CB_GETCOUNT));
+        }
+        context.paperSize = 0;
+        Choose(IDC_PAPER_SIZE, stated - 1);
+        EXPECT_EQ(9, context.paperSize);
+        EXPECT_EQ(64, Send(IDC_MEDIACOMBO, CB_GETLBTEXTLEN, 0));
+    }
+    lists[DC_BINNAMES] = NamesReply(24, {L"Only"});
+    lists[DC_BINNAMES].result = lists[DC_BINS].result = 5000;
     OpenPage();
-    EXPECT_EQ("2000 1", Values() << Send(IDC_PAPER_SIZE, CB_GETCOUNT) << Send(IDC_PAPER_SOURCE, CB_GETCOUNT));
-    Choose(IDC_PAPER_SIZE, 1999);
-    EXPECT_EQ(9, context.paperSize);
+    EXPECT_EQ("Only", List(IDC_PAPER_SOURCE)) << "the number is at a place that has no name";
 }
 
 } // namespace

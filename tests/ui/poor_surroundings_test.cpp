@@ -1,5 +1,4 @@
 // A language library that lacks nearly everything, and a service that never answers.
-#include "tests/compstui/sheet_fixture.h"
 #include "tests/ui/sheet_fixture.h"
 
 namespace tsypr::test
@@ -9,35 +8,20 @@ namespace
 
 using PoorSurroundings = SheetTest;
 
-// The sheet in our own property sheet interface.
 TEST_F(PoorSurroundings, LeaveWhatIsThereWorking)
 {
     dm->dmOrientation = DMORIENT_LANDSCAPE;
     service.devMode = dm.Whole();
     ResourceModule = GetModuleHandleW(nullptr); // poor_library.rc
     PortraitBitmap = LandscapeBitmap = LogoBitmap = nullptr;
-    std::string seen;
-    std::thread user(
-        [&, thread = GetCurrentThreadId()]
-        {
-            HWND sheet = nullptr;
-            for (int i = 0; i < 5000 && sheet == nullptr; ++i)
-            {
-                Sleep(1);
-                sheet = compstui_tests::FindSheet(thread);
-            }
-            dialog = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
-            seen = List(IDC_ORIENTATION);
-            Choose(IDC_ORIENTATION, 0);
-            PostMessageW(sheet, PSM_PRESSBUTTON, PSBTN_OK, 0);
-        });
-    const auto show = compstui_tests::Export<decltype(&CommonPropertySheetUIW)>("CommonPropertySheetUIW");
-    DWORD result = 0;
-    EXPECT_GE(show(nullptr, DrvDocumentPropertySheets, reinterpret_cast<LPARAM>(&header), &result), 0);
-    user.join();
-    UseEnglish();
-    EXPECT_EQ("Portrait|>Landscape", seen) << "the texts that are built in";
-    EXPECT_EQ("1 1", Values() << out->dmOrientation << out->dmCopies) << "the result was written";
+    FakeSheet sheet(header);
+    ASSERT_EQ(1, sheet.Open());
+    sheet.Show(1);
+    dialog = sheet.pages.front().dialog;
+    EXPECT_EQ("Portrait|>Landscape", List(IDC_ORIENTATION)) << "the texts that are built in";
+    sheet.Choose(IDC_ORIENTATION, 0);
+    sheet.PressOk(); // on pages without any control, too
+    EXPECT_EQ(DMORIENT_PORTRAIT, out->dmOrientation);
 }
 
 TEST_F(PoorSurroundings, LetTheProgramEndWhileTheServiceIsSilent)

@@ -52,11 +52,12 @@ public:
         return Call(PROPSHEETUI_REASON_SET_RESULT, reinterpret_cast<LPARAM>(&told));
     }
 
-    // Makes the dialogs of all pages.
-    void Show()
+    // Makes the dialogs of the first pages, or of all.
+    void Show(size_t count = 5)
     {
-        for (Page& page : pages)
+        for (size_t i = 0; i < std::min(count, pages.size()); ++i)
         {
+            Page& page = pages[i];
             page.dialog = CreateDialogParamW(page.record.hInstance,
                                              page.record.pszTemplate,
                                              m_owner,
@@ -89,15 +90,6 @@ public:
     {
         return *reinterpret_cast<UIContext*>(info.UserData);
     }
-    std::vector<int> Templates() const
-    {
-        std::vector<int> templates;
-        for (const Page& page : pages)
-        {
-            templates.push_back(static_cast<int>(reinterpret_cast<uintptr_t>(page.record.pszTemplate)));
-        }
-        return templates;
-    }
 
     struct Page
     {
@@ -106,8 +98,8 @@ public:
     };
     PROPSHEETUI_INFO info = {};
     std::vector<Page> pages;
-    std::vector<int> refused; // templates of pages that are not taken
-    size_t results = 0;
+    std::vector<int> templates; // of the pages
+    std::vector<int> refused;   // templates of pages that are not taken
 
 private:
     static LONG_PTR CALLBACK ComPropSheet(HANDLE sheet, UINT function, LPARAM first, LPARAM second)
@@ -121,7 +113,6 @@ private:
         }
         EXPECT_EQ(unsigned{CPSFUNC_SET_RESULT}, function);
         EXPECT_TRUE(first >= 1 && static_cast<size_t>(first) <= s_sheet->pages.size());
-        ++s_sheet->results;
         return s_sheet->TellResult(second);
     }
 
@@ -143,6 +134,7 @@ private:
         }
         info.Result = 0x5A; // the driver sets it to 0
         pages.push_back({record, nullptr});
+        templates.push_back(id);
         return static_cast<LONG_PTR>(pages.size());
     }
 

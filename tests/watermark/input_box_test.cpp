@@ -1,4 +1,5 @@
 #include "watermark/input_box.h"
+#include "tests/remote/log_capture.h"
 #include "tests/watermark/input_box_driver.h"
 #include "tests/watermark/watermark_fixture.h"
 
@@ -8,15 +9,6 @@ namespace
 {
 
 using namespace ZarnInputBox;
-
-struct WindowDeleter
-{
-    void operator()(HWND window) const
-    {
-        DestroyWindow(window);
-    }
-};
-using WindowOwner = std::unique_ptr<std::remove_pointer_t<HWND>, WindowDeleter>;
 
 std::wstring TextOf(HWND window)
 {
@@ -35,16 +27,13 @@ std::string PlaceOf(HWND window, HWND parent)
            " " + std::to_string(area.bottom - area.top) + ", ";
 }
 
-class InputBox : public WatermarkTest
+class InputBox : public testing::Test
 {
 protected:
-    InputBox()
-        : sheet(CreateWindowExW(0, L"Static", L"", WS_POPUP, 40, 30, 900, 700, nullptr, nullptr, nullptr, nullptr)),
-          page(CreateWindowExW(0, L"Static", L"", WS_CHILD, 0, 0, 9, 9, sheet.get(), nullptr, nullptr, nullptr))
-    {
-    }
     ~InputBox() override
     {
+        DestroyWindow(sheet);
+        g_dotsPerInch = 0;
         MSG message = {};
         EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
         EXPECT_EQ(0U, LiveObjects());
@@ -52,8 +41,8 @@ protected:
 
     const wchar_t* Show(HMODULE captions = nullptr)
     {
-        const wchar_t* text = ShowBox(L"Title", L"Prompt", captions, page);
-        EXPECT_TRUE(IsWindowEnabled(sheet.get()));
+        const wchar_t* text = ShowBox(L"Title", L"Prompt", captions, page, answer);
+        EXPECT_TRUE(IsWindowEnabled(sheet));
         EXPECT_EQ(nullptr, FindWindowW(L"ZarnInputBox", nullptr));
         return text;
     }
@@ -63,8 +52,10 @@ protected:
         return Show(captions);
     }
 
-    WindowOwner sheet;
-    HWND page; // goes with the sheet
+    LogCapture log;
+    HWND sheet = CreateWindowExW(0, L"Static", L"", WS_POPUP, 40, 30, 900, 700, nullptr, nullptr, nullptr, nullptr);
+    HWND page = CreateWindowExW(0, L"Static", L"", WS_CHILD, 0, 0, 9, 9, sheet, nullptr, nullptr, nullptr);
+    Answer answer;
 };
 
 TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
@@ -96,7 +87,8 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
             });
         EXPECT_EQ(L"", before);
         EXPECT_EQ(c.result, result);
-        EXPECT_EQ(c.accepted, WasAccepted());
+        EXPECT_EQ(c.accepted, answer.isAccepted);
+        EXPECT_EQ(c.accepted ? c.result : L"", answer.text.text) << "is the box's own";
     }
     // Keys that follow the end count no more.
     Show(
@@ -107,7 +99,7 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
             PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_ESCAPE, 0);
             PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_RETURN, 0);
         });
-    EXPECT_FALSE(WasAccepted());
+    EXPECT_FALSE(answer.isAccepted);
 }
 
 TEST_F(InputBox, MovesTheFocusInARing)
@@ -149,8 +141,8 @@ TEST_F(InputBox, IsScaledForTheScreenAndSpeaksTheUsersLanguage)
         log.Take();
         const auto inspect = [&c, this](const Box& box)
         {
-            EXPECT_FALSE(IsWindowEnabled(sheet.get()));
-            EXPECT_EQ(c.box, PlaceOf(box.window, sheet.get()));
+            EXPECT_FALSE(IsWindowEnabled(sheet));
+            EXPECT_EQ(c.box, PlaceOf(box.window, sheet));
             std::string controls;
             for (HWND control : {box.edit, box.ok, box.cancel, box.prompt})
             {
@@ -177,13 +169,7 @@ TEST_F(InputBox, IsScaledForTheScreenAndSpeaksTheUsersLanguage)
 
 TEST_F(InputBox, SurvivesEachFailingCall)
 {
-    const struct
-    {
-        const char* function;
-        int call;
-        bool shown;
-        const char* error;
-    } cases[] = {
+    const std::tuple<const char*, int, bool, const char*> cases[] = {
         {"RegisterClassExW", 1, false, "ShowBox, failed to call RegisterClassEx, 8."},
         {"GetDC", 1, false, "ShowBox, failed to get DC, 8."},
         {"CreateWindowExW", 1, false, "ShowBox, failed to create inputbox Windows, 8."},
@@ -194,15 +180,15 @@ TEST_F(InputBox, SurvivesEachFailingCall)
         {"CreateFontIndirectW", 1, true, "CreateScaledFont, Failed to create font object."},
     };
     UnregisterClassW(L"ZarnInputBox", GetModuleHandleW(nullptr));
-    for (const auto& c : cases)
+    for (const auto& [function, call, shown, error] : cases)
     {
-        FailCall(c.function, c.call);
+        FailCall(function, call);
         const wchar_t* text =
-            c.shown ? Show([](const Box& box) { PostMessageW(box.window, WM_KEYDOWN, VK_RETURN, 0); }) : Show();
-        FailCall(c.function, 0);
-        EXPECT_EQ(c.shown, text != nullptr) << c.error;
-        EXPECT_EQ(c.shown, WasAccepted());
-        EXPECT_EQ(Messages{std::string("error ZarnInputBox::") + c.error}, log.TakeErrors());
+            shown ? Show([](const Box& box) { PostMessageW(box.window, WM_KEYDOWN, VK_RETURN, 0); }) : Show();
+        FailCall(function, 0);
+        EXPECT_EQ(shown, text != nullptr) << error;
+        EXPECT_EQ(shown, answer.isAccepted);
+        EXPECT_EQ(Messages{std::string("error ZarnInputBox::") + error}, log.TakeErrors());
     }
 }
 
@@ -220,18 +206,20 @@ TEST_F(InputBox, CopesWithWhatOthersDo)
               Show(
                   [thread, this](const Box& box)
                   {
-                      EXPECT_EQ(nullptr, ShowBox(L"", L"", nullptr, page));
+                      Answer second = {true, {L"?"}};
+                      EXPECT_EQ(nullptr, ShowBox(L"", L"", nullptr, page, second));
+                      EXPECT_FALSE(second.isAccepted);
                       EXPECT_TRUE(IsWindow(box.window));
                       PostThreadMessageW(thread, WM_QUIT, 7, 0);
                   }));
-    EXPECT_FALSE(WasAccepted());
+    EXPECT_FALSE(answer.isAccepted);
     MSG message = {};
     ASSERT_TRUE(PeekMessageW(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     EXPECT_EQ(7U, message.wParam);
     // The owner goes while the box is up.
-    const BoxDriver driver([this](const Box&) { SendMessageW(sheet.get(), WM_CLOSE, 0, 0); });
+    const BoxDriver driver([this](const Box&) { SendMessageW(sheet, WM_CLOSE, 0, 0); });
     EXPECT_NE(nullptr, ShowBox(L"", L"", nullptr, page));
-    EXPECT_FALSE(IsWindow(sheet.release()));
+    EXPECT_FALSE(IsWindow(sheet));
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 #include "tests/watermark/system_calls.h"
 
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <set>
 #include <tuple>
-#include <type_traits>
-#include <utility>
 
 namespace tsypr::test
 {
@@ -25,42 +24,18 @@ enum class Effect
 
 std::mutex g_lock; // the windows of other threads are nobody's concern, but their calls come here too
 std::map<std::string, int> g_failures;
-std::vector<std::string> g_calls;
+std::string* g_calls = nullptr;
 std::multiset<const void*> g_live;
 
 bool Fails(const char* name)
 {
     const std::lock_guard lock(g_lock);
+    if (g_calls != nullptr)
+    {
+        *g_calls += std::string(name) + ' ';
+    }
     const auto failure = g_failures.find(name);
     return failure != g_failures.end() && --failure->second == 0;
-}
-
-// Whatever a call takes and returns, as the ledger knows it; null for what is no handle.
-template <typename Value>
-const void* AsHandle(Value value)
-{
-    if constexpr (std::is_pointer_v<Value> && !std::is_function_v<std::remove_pointer_t<Value>>)
-    {
-        return value;
-    }
-    else
-    {
-        return nullptr;
-    }
-}
-
-void Note(const char* name, Effect effect, const void* result, const void* last)
-{
-    const std::lock_guard lock(g_lock);
-    g_calls.emplace_back(name);
-    if (effect == Effect::Creates && result != nullptr)
-    {
-        g_live.insert(result);
-    }
-    else if (effect == Effect::Deletes && g_live.contains(last))
-    {
-        g_live.erase(g_live.find(last));
-    }
 }
 
 template <typename Function>
@@ -72,14 +47,20 @@ struct Call<Result(WINAPI*)(Arguments...)>
     template <auto& real, auto& name, Effect effect, auto failure>
     static Result WINAPI Run(Arguments... arguments)
     {
-        if (Fails(name))
+        const bool fails = Fails(name);
+        const Result result = fails ? failure : real(arguments...);
+        const DWORD error = fails ? ERROR_NOT_ENOUGH_MEMORY : GetLastError();
+        const std::lock_guard lock(g_lock);
+        if constexpr (effect == Effect::Creates)
         {
-            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-            return failure;
+            g_live.insert(result);
+            g_live.erase(nullptr);
         }
-        const Result result = real(arguments...);
-        const DWORD error = GetLastError();
-        Note(name, effect, AsHandle(result), AsHandle(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...))));
+        if constexpr (effect == Effect::Deletes)
+        {
+            const auto live = g_live.find(std::get<sizeof...(Arguments) - 1>(std::tuple(arguments...)));
+            g_live.erase(live, live != g_live.end() ? std::next(live) : live);
+        }
         SetLastError(error);
         return result;
     }
@@ -92,9 +73,9 @@ void FailCall(const std::string& function, int n)
     g_failures[function] = n;
 }
 
-std::vector<std::string> TakeCalls()
+void NoteCalls(std::string* calls)
 {
-    return std::exchange(g_calls, {});
+    g_calls = calls;
 }
 
 size_t LiveObjects()
@@ -123,12 +104,14 @@ TESSARY_CALL(CreateCompatibleBitmap, Creates, nullptr)
 TESSARY_CALL(CreateCompatibleDC, Creates, nullptr)
 TESSARY_CALL(CreateDIBSection, Creates, nullptr)
 TESSARY_CALL(CreateFontIndirectW, Creates, nullptr)
+TESSARY_CALL(CreateThread, None, nullptr)
 TESSARY_CALL(CreateWindowExW, None, nullptr)
 TESSARY_CALL(DeleteDC, Deletes, FALSE)
 TESSARY_CALL(DeleteObject, Deletes, FALSE)
 TESSARY_CALL(GetDC, Creates, nullptr)
 TESSARY_CALL(GetObjectW, None, 0)
 TESSARY_CALL(LoadImageW, Creates, nullptr)
+TESSARY_CALL(RegCreateKeyExW, None, LSTATUS{ERROR_ACCESS_DENIED})
 TESSARY_CALL(RegisterClassExW, None, ATOM{0})
 TESSARY_CALL(ReleaseDC, Deletes, 0)
 TESSARY_CALL(SelectObject, None, nullptr)

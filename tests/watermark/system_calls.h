@@ -8,7 +8,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 namespace tsypr::test
 {
@@ -16,8 +15,8 @@ namespace tsypr::test
 // Makes the nth next call of the function, counted from 1, fail.
 void FailCall(const std::string& function, int n = 1);
 
-// The calls since the last time, by name.
-std::vector<std::string> TakeCalls();
+// Where the calls are noted from now on, each as its name and a blank; null: nowhere.
+void NoteCalls(std::string* calls);
 
 // The objects and device contexts that were made and not given back.
 size_t LiveObjects();

@@ -2,10 +2,7 @@
 #ifndef TESSARY_TESTS_WATERMARK_WATERMARK_FIXTURE_H
 #define TESSARY_TESTS_WATERMARK_WATERMARK_FIXTURE_H
 
-#include "module/interface_dll.h"
-#include "tests/remote/log_capture.h"
 #include "tests/watermark/system_calls.h"
-#include "watermark/gdi_owners.h"
 #include "watermark/watermark_block.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +12,6 @@
 
 namespace tsypr::test
 {
-
-using Calls = std::vector<std::string>;
 
 inline WatermarkBlock Block(const std::wstring& text, LONG height = -48, COLORREF color = RGB(255, 0, 0))
 {
@@ -49,26 +44,6 @@ struct Pixels
     int width;
     int height;
     std::vector<uint32_t> values; // 0x00RRGGBB
-};
-
-class WatermarkTest : public testing::Test
-{
-protected:
-    WatermarkTest()
-    {
-        ResourceModule = LoadLibraryW(L"tsyprUI_en_us_409.dll");
-        EXPECT_NE(nullptr, ResourceModule);
-        TakeCalls();
-    }
-    ~WatermarkTest() override
-    {
-        FreeLibrary(ResourceModule);
-        ResourceModule = nullptr;
-        g_dotsPerInch = 0;
-        g_chooseFont = nullptr;
-    }
-
-    LogCapture log;
 };
 
 } // namespace tsypr::test

@@ -1,4 +1,5 @@
 #include "tools/printctl/capabilities.h"
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/devmode_buffer.h"
 #include "tools/printctl/devmode_fields.h"
@@ -6,8 +7,6 @@
 #include "tools/printctl/json.h"
 #include "tools/printctl/ticket_provider.h"
 #include "tools/printctl/ticket_report.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <map>
@@ -308,16 +307,17 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddCapabilitiesCommand(CLI::App& app)
+void AddCapabilitiesCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("capabilities", "Shows what Windows' DeviceCapabilities says of a printer.");
-    command->add_option("PRINTER", options->printer, "printer name")->required();
-    command->add_option("--in", options->in, "file with the device mode to ask for (otherwise none)");
-    CLI::Option* json = command->add_flag("--json", options->json, "JSON output");
-    command->add_flag("--xml", options->xml, "the driver's print capabilities document instead of the capabilities")
-        ->excludes(json);
-    command->callback([options] { options->xml ? RunXml(*options) : Run(*options); });
+    const Command command =
+        program.SubCommand("capabilities", "Shows what Windows' DeviceCapabilities says of a printer.");
+    command.Value("PRINTER", options->printer, "printer name").Required();
+    command.Value("--in", options->in, "file with the device mode to ask for (otherwise none)");
+    const Argument json = command.Flag("--json", options->json, "JSON output");
+    command.Flag("--xml", options->xml, "the driver's print capabilities document instead of the capabilities")
+        .Excludes(json);
+    command.OnRun([options] { options->xml ? RunXml(*options) : Run(*options); });
 }
 
 } // namespace tsypr::printctl

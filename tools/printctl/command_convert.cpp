@@ -1,3 +1,4 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/config_library.h"
 #include "tools/printctl/devmode_buffer.h"
@@ -6,8 +7,6 @@
 #include "tools/printctl/json.h"
 
 #include "remote/private_devmode.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -58,19 +57,19 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddConvertCommand(CLI::App& app)
+void AddConvertCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(
+    const Command command = program.SubCommand(
         "convert", "Calls the driver's device-mode conversion as the spooler does and stores the result.");
-    command->add_option("PRINTER", options->printer, "printer name")->required();
-    CLI::Option* driverDefault = command->add_flag(
-        "--default", options->driverDefault, "the driver's default device mode (without --in always)");
-    command->add_option("--in", options->in, "file with a device mode to convert into the driver's default")
-        ->excludes(driverDefault);
-    command->add_option("--out", options->out, "file for the resulting device mode")->required();
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    command.Value("PRINTER", options->printer, "printer name").Required();
+    const Argument driverDefault =
+        command.Flag("--default", options->driverDefault, "the driver's default device mode (without --in always)");
+    command.Value("--in", options->in, "file with a device mode to convert into the driver's default")
+        .Excludes(driverDefault);
+    command.Value("--out", options->out, "file for the resulting device mode").Required();
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

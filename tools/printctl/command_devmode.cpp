@@ -1,10 +1,9 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/devmode_buffer.h"
 #include "tools/printctl/devmode_report.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <optional>
@@ -117,29 +116,27 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddDevModeCommand(CLI::App& app)
+void AddDevModeCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("devmode", "Shows a printer's settings, or merges settings into them without a dialog.");
-    command->add_option("PRINTER", options->printer, "printer name")->required();
-    CLI::Option* in = command->add_option("--in", options->in, "file with the settings to merge in");
-    command->add_option("--out", options->out, "file for the resulting settings");
-    command
-        ->add_option("--set",
-                     options->set,
-                     "FIELD=VALUE, any number of times: changes a field before the merge. VALUE is a number, a name or "
-                     "one of the printer's own names; an unknown FIELD lists them all. Lengths are in tenths of a "
-                     "millimetre.")
-        ->allow_extra_args(false);
-    CLI::Option* userDefault =
-        command->add_flag("--user-default", options->userDefault, "start from the settings stored for the user");
-    CLI::Option* raw =
-        command->add_flag("--raw", options->raw, "start from the settings stored with the printer, as they are");
-    userDefault->excludes(in)->excludes(raw);
-    raw->excludes(in);
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    const Command command =
+        program.SubCommand("devmode", "Shows a printer's settings, or merges settings into them without a dialog.");
+    command.Value("PRINTER", options->printer, "printer name").Required();
+    const Argument in = command.Value("--in", options->in, "file with the settings to merge in");
+    command.Value("--out", options->out, "file for the resulting settings");
+    command.Values("--set",
+                   options->set,
+                   "FIELD=VALUE, any number of times: changes a field before the merge. VALUE is a number, a name or "
+                   "one of the printer's own names; an unknown FIELD lists them all. Lengths are in tenths of a "
+                   "millimetre.");
+    const Argument userDefault =
+        command.Flag("--user-default", options->userDefault, "start from the settings stored for the user");
+    const Argument raw =
+        command.Flag("--raw", options->raw, "start from the settings stored with the printer, as they are");
+    userDefault.Excludes(in).Excludes(raw);
+    raw.Excludes(in);
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

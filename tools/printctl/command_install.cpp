@@ -1,9 +1,8 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/install_plan.h"
 #include "tools/printctl/installation.h"
 #include "tools/printctl/text.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <memory>
@@ -45,32 +44,31 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddInstallCommand(CLI::App& app)
+void AddInstallCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(
+    const Command command = program.SubCommand(
         "install",
         "Installs or updates the driver and its printers. A failure takes back everything this run changed.");
-    command->add_option("--driver-dir",
-                        options->driverFolder,
-                        "folder with tsyprui.dll and tsyprserverapi.dll (otherwise the folder of this program)");
-    command->add_option(
-        "--language-dir", options->languageFolder, "folder with tsyprUI_*.dll (otherwise the driver folder)");
-    command->add_option("--profiles",
-                        options->profilesFolder,
-                        "folder with printer profiles (otherwise printers\\ in the driver folder)");
-    command->add_option("--printer",
-                        options->printers,
-                        "printer to add, named as a profile, with or without a comma and a session suffix behind "
-                        "(otherwise one printer for each profile)");
-    command->add_option("--port", options->port, "port of new printers")->capture_default_str();
-    command->add_option("--graphics-driver",
-                        options->graphicsDriver,
-                        "rendering DLL of the driver (otherwise wineps.drv from the spooler's folder)");
-    command->add_option("--data-file",
-                        options->dataFile,
-                        "data file of the driver: for wineps.drv a PPD file (otherwise a plain one of our own)");
-    command->callback([options] { Run(*options); });
+    command.Value("--driver-dir",
+                  options->driverFolder,
+                  "folder with tsyprui.dll and tsyprserverapi.dll (otherwise the folder of this program)");
+    command.Value("--language-dir", options->languageFolder, "folder with tsyprUI_*.dll (otherwise the driver folder)");
+    command.Value("--profiles",
+                  options->profilesFolder,
+                  "folder with printer profiles (otherwise printers\\ in the driver folder)");
+    command.Values("--printer",
+                   options->printers,
+                   "printer to add, named as a profile, with or without a comma and a session suffix behind "
+                   "(otherwise one printer for each profile)");
+    command.Value("--port", options->port, "port of new printers");
+    command.Value("--graphics-driver",
+                  options->graphicsDriver,
+                  "rendering DLL of the driver (otherwise wineps.drv from the spooler's folder)");
+    command.Value("--data-file",
+                  options->dataFile,
+                  "data file of the driver: for wineps.drv a PPD file (otherwise a plain one of our own)");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

@@ -1,11 +1,10 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/devmode_buffer.h"
 #include "tools/printctl/devmode_report.h"
 #include "tools/printctl/dialog_language.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <optional>
@@ -75,19 +74,19 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddPreferencesCommand(CLI::App& app)
+void AddPreferencesCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(
+    const Command command = program.SubCommand(
         "preferences", "Opens a printer's printing preferences as applications do, and shows what the user changed.");
-    command->add_option("PRINTER", options->printer, "printer name")->required();
-    command->add_option("--language",
-                        options->language,
-                        "language of the driver's pages, such as de-de, instead of the user's display language; an "
-                        "unknown one lists those installed");
-    command->add_option("--out", options->out, "file for the resulting settings; not written after Cancel");
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    command.Value("PRINTER", options->printer, "printer name").Required();
+    command.Value("--language",
+                  options->language,
+                  "language of the driver's pages, such as de-de, instead of the user's display language; an "
+                  "unknown one lists those installed");
+    command.Value("--out", options->out, "file for the resulting settings; not written after Cancel");
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

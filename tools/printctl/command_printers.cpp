@@ -1,8 +1,7 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/json.h"
 #include "tools/printctl/spooler.h"
-
-#include <CLI/CLI.hpp>
 
 #include <map>
 #include <memory>
@@ -56,13 +55,13 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddPrintersCommand(CLI::App& app)
+void AddPrintersCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("printers", "Lists the printers that use our driver.");
-    command->add_flag("--all", options->all, "every local printer, whatever its driver");
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    const Command command = program.SubCommand("printers", "Lists the printers that use our driver.");
+    command.Flag("--all", options->all, "every local printer, whatever its driver");
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

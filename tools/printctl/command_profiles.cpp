@@ -1,10 +1,9 @@
 #include "service/profile_loader.h"
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
 #include "tools/printctl/json.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -65,13 +64,13 @@ void Run(const Options& options)
 
 } // namespace
 
-void AddProfilesCommand(CLI::App& app)
+void AddProfilesCommand(const Command& program)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("profiles", "Checks the printer profiles of a folder.");
-    command->add_option("DIRECTORY", options->folder, "folder with *.json profiles")->required();
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options] { Run(*options); });
+    const Command command = program.SubCommand("profiles", "Checks the printer profiles of a folder.");
+    command.Value("DIRECTORY", options->folder, "folder with *.json profiles").Required();
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options] { Run(*options); });
 }
 
 } // namespace tsypr::printctl

@@ -1,11 +1,10 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
 #include "tools/printctl/product.h"
 #include "tools/printctl/registry.h"
 #include "tools/printctl/spooler.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
@@ -150,13 +149,13 @@ private:
 
 } // namespace
 
-void AddRemoveCommand(CLI::App& app)
+void AddRemoveCommand(const Command& program)
 {
-    CLI::App* command =
-        app.add_subcommand("remove",
+    const Command command =
+        program.SubCommand("remove",
                            "Removes the driver's printers, the driver, its files and its registry values. "
                            "Logs and files that others put into our folders stay. Done when nothing is installed.");
-    command->callback([] { Removal().Run(); });
+    command.OnRun([] { Removal().Run(); });
 }
 
 } // namespace tsypr::printctl

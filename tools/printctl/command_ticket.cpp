@@ -1,11 +1,10 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/devmode_report.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/files.h"
 #include "tools/printctl/ticket_provider.h"
 #include "tools/printctl/ticket_report.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <optional>
@@ -136,7 +135,7 @@ void RunValidate(const Options& options)
 }
 
 // `input` is the help text of the input file, which is an option where `isOptional`.
-void AddConversion(CLI::App& parent,
+void AddConversion(const Command& parent,
                    const char* name,
                    const char* description,
                    const char* input,
@@ -144,34 +143,34 @@ void AddConversion(CLI::App& parent,
                    void (*run)(const Options& options))
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* command = parent.add_subcommand(name, description);
-    command->add_option("PRINTER", options->printer, "printer name")->required();
-    command->add_option(isOptional ? "--in" : "FILE", options->in, input)->required(!isOptional);
-    command->add_option("--out", options->out, "file for the result");
-    command->add_flag("--json", options->json, "JSON output");
-    command->callback([options, run] { run(*options); });
+    const Command command = parent.SubCommand(name, description);
+    command.Value("PRINTER", options->printer, "printer name").Required();
+    command.Value(isOptional ? "--in" : "FILE", options->in, input).Required(!isOptional);
+    command.Value("--out", options->out, "file for the result");
+    command.Flag("--json", options->json, "JSON output");
+    command.OnRun([options, run] { run(*options); });
 }
 
 } // namespace
 
-void AddTicketCommand(CLI::App& app)
+void AddTicketCommand(const Command& program)
 {
-    CLI::App* command = app.add_subcommand(
+    const Command command = program.SubCommand(
         "ticket", "Has the driver convert and check print tickets as Windows' print ticket services do.");
-    command->require_subcommand(1);
-    AddConversion(*command,
+    command.RequireSubCommand();
+    AddConversion(command,
                   "from-devmode",
                   "Makes a print ticket of a device mode, and shows what a ticket cannot carry.",
                   "file with the device mode (otherwise the printer's default)",
                   true,
                   RunFromDevMode);
-    AddConversion(*command,
+    AddConversion(command,
                   "to-devmode",
                   "Makes a device mode of a print ticket, and shows what the printer made of the ticket.",
                   "file with the print ticket",
                   false,
                   RunToDevMode);
-    AddConversion(*command,
+    AddConversion(command,
                   "validate",
                   "Has the printer correct a print ticket, and shows what it changed.",
                   "file with the print ticket",

@@ -2,25 +2,22 @@
 #ifndef TESSARY_PRINTCTL_COMMANDS_H
 #define TESSARY_PRINTCTL_COMMANDS_H
 
-namespace CLI
-{
-class App;
-}
-
 namespace tsypr::printctl
 {
 
-// Each adds its command to the command line; the command runs while the command line is being parsed and ends early by
+class Command;
+
+// Each adds its command to the program's; the command runs while the command line is being parsed and ends early by
 // throwing Failure.
-void AddInstallCommand(CLI::App& app);
-void AddRemoveCommand(CLI::App& app);
-void AddPrintersCommand(CLI::App& app);
-void AddCapabilitiesCommand(CLI::App& app);
-void AddDevModeCommand(CLI::App& app);
-void AddConvertCommand(CLI::App& app);
-void AddProfilesCommand(CLI::App& app);
-void AddTicketCommand(CLI::App& app);
-void AddPreferencesCommand(CLI::App& app);
+void AddInstallCommand(const Command& program);
+void AddRemoveCommand(const Command& program);
+void AddPrintersCommand(const Command& program);
+void AddCapabilitiesCommand(const Command& program);
+void AddDevModeCommand(const Command& program);
+void AddConvertCommand(const Command& program);
+void AddProfilesCommand(const Command& program);
+void AddTicketCommand(const Command& program);
+void AddPreferencesCommand(const Command& program);
 
 } // namespace tsypr::printctl
 

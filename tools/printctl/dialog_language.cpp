@@ -114,19 +114,18 @@ fs::path MakeFolder(const LanguageFiles& languages, const fs::path& file)
     fs::path folder =
         fs::temp_directory_path() / (std::wstring(kFolderPrefix) + std::to_wstring(GetCurrentProcessId()));
     RemoveOldFolders();
-    std::error_code error;
-    fs::create_directories(folder, error);
+    RemoveFolder(folder); // of an earlier process with our number
+    std::error_code ignored;
+    fs::create_directories(folder, ignored);
     for (const auto& [name, other] : languages)
     {
-        if (!error)
+        const fs::path copy = folder / other.filename();
+        if (CopyFileW(file.c_str(), copy.c_str(), FALSE) == FALSE)
         {
-            fs::copy_file(file, folder / other.filename(), fs::copy_options::overwrite_existing, error);
+            const DWORD error = GetLastError();
+            RemoveFolder(folder);
+            ThrowSystem("copying " + Shown(file) + " to " + Shown(copy), error);
         }
-    }
-    if (error)
-    {
-        RemoveFolder(folder);
-        ThrowSystem("copying " + Shown(file), static_cast<DWORD>(error.value()));
     }
     return folder;
 }

@@ -1,12 +1,11 @@
+#include "tools/printctl/command_line.h"
 #include "tools/printctl/commands.h"
 #include "tools/printctl/errors.h"
 #include "tools/printctl/text.h"
 
-#include <CLI/CLI.hpp>
-
-#include <algorithm>
 #include <exception>
-#include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -29,45 +28,27 @@ int Report(const std::exception& error, ExitCode code)
     return static_cast<int>(code);
 }
 
-// Prints help texts and complaints about the command line.
-int Answer(const CLI::App& app, const CLI::ParseError& error)
+void DeclareCommands(const Command& program)
 {
-    std::ostringstream out;
-    std::ostringstream complaint;
-    const int code = app.exit(error, out, complaint);
-    WriteOut(out.str());
-    WriteError(complaint.str());
-    return static_cast<int>(code == 0 ? ExitCode::Ok : ExitCode::Usage);
+    AddInstallCommand(program);
+    AddRemoveCommand(program);
+    AddPrintersCommand(program);
+    AddCapabilitiesCommand(program);
+    AddDevModeCommand(program);
+    AddConvertCommand(program);
+    AddProfilesCommand(program);
+    AddTicketCommand(program);
+    AddPreferencesCommand(program);
 }
 
 int Run(std::vector<std::string> arguments)
 {
-    CLI::App app("Installs the Tessary Universal EMF Driver and asks Windows about its printers.", "printctl");
-    app.require_subcommand(1);
-    app.footer(kFooter);
-    AddInstallCommand(app);
-    AddRemoveCommand(app);
-    AddPrintersCommand(app);
-    AddCapabilitiesCommand(app);
-    AddDevModeCommand(app);
-    AddConvertCommand(app);
-    AddProfilesCommand(app);
-    AddTicketCommand(app);
-    AddPreferencesCommand(app);
-    for (CLI::App* command : app.get_subcommands({}))
-    {
-        command->footer(kFooter);
-    }
     try
     {
-        // CLI11 takes the arguments last one first.
-        std::reverse(arguments.begin(), arguments.end());
-        app.parse(arguments);
-        return static_cast<int>(ExitCode::Ok);
-    }
-    catch (const CLI::ParseError& error)
-    {
-        return Answer(app, error);
+        return RunCommandLine("Installs the Tessary Universal EMF Driver and asks Windows about its printers.",
+                              kFooter,
+                              DeclareCommands,
+                              std::move(arguments));
     }
     catch (const Failure& error)
     {
