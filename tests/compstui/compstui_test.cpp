@@ -1,8 +1,6 @@
 // Our own property sheet interface with describing functions and pages that are not ours.
 #include "tests/compstui/sheet_fixture.h"
 
-#include <atomic>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -75,8 +73,6 @@ TEST_F(OneSheet, EndsAsTheButtonSays)
     {
         SCOPED_TRACE(one.buttons.front());
         events.clear();
-        describer.group = nullptr;
-        describer.userData = describer.result = 0;
         const User user(one.buttons);
         const Outcome outcome = ShowSheet(describer);
         EXPECT_EQ(outcome.answer, CPSUI_OK);
@@ -87,21 +83,16 @@ TEST_F(OneSheet, EndsAsTheButtonSays)
         expected.emplace_back("DESTROY");
         EXPECT_EQ(events, expected);
     }
+    page.onInit = [](HWND dialog) { SendMessageW(GetParent(dialog), PSM_REBOOTSYSTEM, 0, 0); };
+    const User user({IDOK});
+    EXPECT_EQ(ShowSheet(describer).answer, CPSUI_REBOOTSYSTEM);
 }
 
 TEST_F(OneSheet, StaysOpenWhileAPageRefuses)
 {
     unsigned refusals = 0;
     page.on[static_cast<int>(PSN_APPLY)] = [&](HWND, const PSHNOTIFY&) -> LONG_PTR
-    {
-        if (refusals < 2)
-        {
-            ++refusals;
-            return PSNRET_INVALID_NOCHANGEPAGE;
-        }
-        page.SetResult(CPSUI_OK);
-        return PSNRET_NOERROR;
-    };
+    { return ++refusals <= 2 ? PSNRET_INVALID_NOCHANGEPAGE : page.SetResult(CPSUI_OK) - 1; };
     const User user({IDOK, IDOK, IDOK});
     EXPECT_EQ(ShowSheet(describer).result, static_cast<DWORD>(CPSUI_OK));
     EXPECT_THAT(events, ElementsAre("BEFORE_INIT", "INIT", "HEADER", "apply", "apply", "apply", "RESULT", "DESTROY"));
@@ -135,8 +126,6 @@ TEST_F(OneSheet, HeaderGivesTitleAndButtons)
                                                    {PSUIHDRF_EXACT_PTITLE | PSUIHDRF_NOAPPLYNOW, L"Office"}};
     for (const auto& [given, expected] : cases)
     {
-        describer.userData = 0;
-        describer.group = nullptr;
         flags = given;
         const User user({IDOK});
         // Nobody reported a result: the function's own is what it was.
@@ -144,13 +133,6 @@ TEST_F(OneSheet, HeaderGivesTitleAndButtons)
         EXPECT_EQ(title, expected);
         EXPECT_EQ(hasApply, (given & PSUIHDRF_NOAPPLYNOW) == 0);
     }
-}
-
-TEST_F(OneSheet, PassesRestartOn)
-{
-    page.onInit = [](HWND dialog) { SendMessageW(GetParent(dialog), PSM_REBOOTSYSTEM, 0, 0); };
-    const User user({IDOK});
-    EXPECT_EQ(ShowSheet(describer).answer, CPSUI_REBOOTSYSTEM);
 }
 
 TEST_F(OneSheet, KeepsTheUserDataOfADialogBox)
@@ -176,8 +158,6 @@ TEST_F(OneSheet, IsNotShownWhenDescribingFails)
     for (const WORD reason : {WORD{PROPSHEETUI_REASON_INIT}, WORD{PROPSHEETUI_REASON_GET_INFO_HEADER}})
     {
         events.clear();
-        describer.group = nullptr;
-        describer.userData = 0;
         closedByUser = true;
         describer.on[reason] = [this](PROPSHEETUI_INFO&, LPARAM)
         {
@@ -192,67 +172,6 @@ TEST_F(OneSheet, IsNotShownWhenDescribingFails)
 
         describer.on[PROPSHEETUI_REASON_INIT] = [this](PROPSHEETUI_INFO&, LPARAM) { return page.Add() != nullptr; };
     }
-}
-
-unsigned BusyBlocks()
-{
-    unsigned count = 0;
-    PROCESS_HEAP_ENTRY entry = {};
-    HeapLock(GetProcessHeap());
-    while (HeapWalk(GetProcessHeap(), &entry) != FALSE)
-    {
-        count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? 1 : 0;
-    }
-    HeapUnlock(GetProcessHeap());
-    return count;
-}
-
-TEST_F(OneSheet, HundredOpeningsLeaveNothingBehind)
-{
-    const auto open = [this](int times)
-    {
-        for (int i = 0; i < times; ++i)
-        {
-            describer.group = nullptr;
-            describer.userData = describer.result = 0;
-            const User user({i % 2 == 0 ? IDOK : IDCANCEL});
-            EXPECT_EQ(ShowSheet(describer).answer, CPSUI_OK);
-        }
-        events = Events();
-    };
-    open(5);
-    const unsigned before = BusyBlocks();
-    open(100);
-    EXPECT_LE(BusyBlocks(), before + 10);
-}
-
-TEST(Sheets, TwoAtOnceOnTwoThreads)
-{
-    std::atomic<int> open = 0;
-    const auto show = [&open](DWORD value)
-    {
-        Events events;
-        Describer describer(events);
-        Page page(describer, kFirstPage);
-        describer.on[PROPSHEETUI_REASON_INIT] = [&](PROPSHEETUI_INFO&, LPARAM) { return page.Add() != nullptr; };
-        describer.on[PROPSHEETUI_REASON_SET_RESULT] = KeepResult;
-        page.on[static_cast<int>(PSN_APPLY)] = [&](HWND, const PSHNOTIFY&)
-        {
-            ++open;
-            // Both sheets are there when the first closes.
-            for (const DWORD begin = GetTickCount(); open < 2 && GetTickCount() - begin < 5000; Sleep(1))
-            {
-            }
-            page.SetResult(value);
-            return PSNRET_NOERROR;
-        };
-        const User user({IDOK});
-        EXPECT_EQ(ShowSheet(describer).result, value);
-    };
-    std::thread other(show, 5);
-    show(6);
-    other.join();
-    EXPECT_EQ(open, 2);
 }
 
 // A function that adds another, which adds two pages: as the spooler and a driver do.
@@ -270,10 +189,7 @@ protected:
             return innerGroup != 0 ? 1 : 0;
         };
         inner.on[PROPSHEETUI_REASON_INIT] = [this](PROPSHEETUI_INFO&, LPARAM)
-        {
-            first.Add();
-            return second.Add() != nullptr ? 1 : 0;
-        };
+        { return first.Add() != nullptr && second.Add() != nullptr ? 1 : 0; };
     }
 
     LONG_PTR AskOuter(UINT function, LPARAM lParam1 = 0, LPARAM lParam2 = 0)
@@ -379,8 +295,17 @@ TEST_F(NestedSheet, PagesComeAndGoWhileTheSheetIsOpen)
         });
 }
 
-TEST_F(NestedSheet, DeletedGroupIsTold)
+TEST_F(NestedSheet, GroupThatFailsOrIsDeletedLeavesNoPages)
 {
+    const Describer::Action describe = inner.on[PROPSHEETUI_REASON_INIT];
+    inner.on[PROPSHEETUI_REASON_INIT] = [&](PROPSHEETUI_INFO& info, LPARAM lParam)
+    { return describe(info, lParam) - 2; };
+    EXPECT_EQ(ShowSheet(outer).answer, CPSUI_CANCEL);
+    EXPECT_EQ(innerGroup, 0);
+    EXPECT_THAT(events, ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "inner DESTROY", "outer DESTROY"));
+    events.clear();
+    inner.group = nullptr;
+    inner.on[PROPSHEETUI_REASON_INIT] = describe;
     outer.on[PROPSHEETUI_REASON_GET_INFO_HEADER] = [this](PROPSHEETUI_INFO&, LPARAM)
     {
         Page rest(outer, kFirstPage);
@@ -397,18 +322,6 @@ TEST_F(NestedSheet, DeletedGroupIsTold)
     EXPECT_THAT(
         events,
         ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "outer HEADER", "inner DESTROY", "outer DESTROY"));
-}
-
-TEST_F(NestedSheet, FailedGroupLeavesNoPages)
-{
-    inner.on[PROPSHEETUI_REASON_INIT] = [this](PROPSHEETUI_INFO&, LPARAM)
-    {
-        first.Add();
-        return -1;
-    };
-    EXPECT_EQ(ShowSheet(outer).answer, CPSUI_CANCEL);
-    EXPECT_EQ(innerGroup, 0);
-    EXPECT_THAT(events, ElementsAre("outer BEFORE_INIT", "outer INIT", "inner INIT", "inner DESTROY", "outer DESTROY"));
 }
 
 TEST_F(NestedSheet, TextsAreCutAndFunctionsGiveIcons)

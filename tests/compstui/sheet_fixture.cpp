@@ -27,18 +27,6 @@ BOOL CALLBACK KeepSheet(HWND window, LPARAM found)
     return !isSheet;
 }
 
-void Press(HWND sheet, int button)
-{
-    if (button == kCloseBox)
-    {
-        PostMessageW(sheet, WM_SYSCOMMAND, SC_CLOSE, 0);
-        return;
-    }
-    const HWND control = GetDlgItem(sheet, button);
-    ASSERT_NE(control, nullptr) << "no button " << button;
-    PostMessageW(control, BM_CLICK, 0, 0);
-}
-
 } // namespace
 
 LONG CALLBACK Describer::Call(PROPSHEETUI_INFO* info, LPARAM lParam)
@@ -108,32 +96,44 @@ HANDLE Page::Add()
     return handle;
 }
 
-User::User(std::vector<int> buttons, DWORD sheetThread)
+User::User(Deed deed, DWORD sheetThread)
     : m_thread(
-          [buttons = std::move(buttons), sheetThread]
+          [deed = std::move(deed), sheetThread]
           {
-              if (buttons.empty())
-              {
-                  return;
-              }
               HWND sheet = nullptr;
               for (const DWORD begin = GetTickCount(); sheet == nullptr && GetTickCount() - begin < kPatience; Sleep(1))
               {
                   sheet = FindSheet(sheetThread);
               }
               ASSERT_NE(sheet, nullptr) << "no property sheet";
+              deed(sheet);
+          })
+{
+}
+
+User::User(std::vector<int> buttons, DWORD sheetThread)
+    : User(
+          [buttons = std::move(buttons)](HWND sheet)
+          {
               for (const int button : buttons)
               {
-                  ASSERT_TRUE(IsWindow(sheet)) << "closed before button " << button;
                   Press(sheet, button);
               }
-          })
+          },
+          sheetThread)
 {
 }
 
 User::~User()
 {
     m_thread.join();
+}
+
+void Press(HWND sheet, int button)
+{
+    const HWND control = button == kCloseBox ? sheet : GetDlgItem(sheet, button);
+    ASSERT_NE(control, nullptr) << "no button " << button;
+    PostMessageW(control, button == kCloseBox ? WM_SYSCOMMAND : BM_CLICK, button == kCloseBox ? SC_CLOSE : 0, 0);
 }
 
 HWND FindSheet(DWORD thread)
@@ -176,6 +176,8 @@ HMODULE Library()
 Outcome ShowSheet(Describer& describer, HWND owner)
 {
     static const auto show = Export<decltype(&CommonPropertySheetUIW)>("CommonPropertySheetUIW");
+    describer.group = nullptr;
+    describer.userData = describer.result = 0;
     DWORD result = 0xdeadbeef;
     const LONG answer = show(owner, Describer::Call, describer.AsParam(), &result);
     return {answer, result};

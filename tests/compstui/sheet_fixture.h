@@ -83,10 +83,12 @@ struct Page
     std::map<int, Action> on;
 };
 
-// Waits for the property sheet of a thread and presses its buttons one after the other. Without buttons expects none.
+// Waits for the property sheet of a thread and does something with it, mostly pressing buttons one after the other.
 class User
 {
 public:
+    using Deed = std::function<void(HWND sheet)>;
+    explicit User(Deed deed, DWORD sheetThread = GetCurrentThreadId());
     explicit User(std::vector<int> buttons, DWORD sheetThread = GetCurrentThreadId());
     ~User();
     User(const User&) = delete;
@@ -96,7 +98,10 @@ private:
     std::thread m_thread;
 };
 
-// The property sheet that a thread shows, or null. Its tabs and texts are read by GetTabs.
+// Presses a button of the sheet, or its close box. Does not wait for what comes of it.
+void Press(HWND sheet, int button);
+
+// The property sheet that a thread shows, or null, and the texts of its tabs.
 HWND FindSheet(DWORD thread);
 std::vector<std::wstring> GetTabs(HWND sheet);
 

@@ -1,25 +1,73 @@
-// A remote printer service that knows no printer, built with all its functions and with one left out.
+// A remote printer service that passes every call on to the installed one, after a delay or never; where none is
+// installed it knows no printer. Built with all its functions and with one left out.
 #include <windows.h>
+
+#include <atomic>
+#include <climits>
+#include <cstring>
+#include <cwchar>
+
+namespace
+{
+
+std::atomic<DWORD> g_delay{0};
+std::atomic<const char*> g_endless{""};
+std::atomic<int> g_calls{0};
+
+// The function behind the one of that name; null where there is none.
+template <typename Function>
+Function Installed(const char* name)
+{
+    if (std::strcmp(name, g_endless) == 0)
+    {
+        g_calls = INT_MIN;
+        Sleep(INFINITE);
+    }
+    ++g_calls;
+    Sleep(g_delay);
+    wchar_t path[MAX_PATH + 32];
+    std::wcscpy(path + GetSystemDirectoryW(path, MAX_PATH), L"\\tsyprserverapi.dll");
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(path), name)));
+}
+
+} // namespace
 
 #define SERVICE_EXPORT extern "C" __declspec(dllexport)
 
-// Without a printer nobody calls these; the module only looks for their names.
-#define UNCALLED_FUNCTION(name)                                                                                        \
-    SERVICE_EXPORT void WINAPI name() {}
+#define PASSED_ON(result, name, parameters, arguments)                                                                 \
+    SERVICE_EXPORT result WINAPI name parameters                                                                       \
+    {                                                                                                                  \
+        return Installed<result(WINAPI*) parameters>(#name) arguments;                                                 \
+    }
+
+// From now on each call takes so many milliseconds more, and calls of the function of that name, which stays the
+// caller's, never come back. Returns how many calls there were, a negative number once one has not come back.
+SERVICE_EXPORT int WINAPI SetServiceManners(DWORD delay, const char* endless)
+{
+    g_delay = delay;
+    g_endless = endless;
+    return g_calls;
+}
 
 #ifndef TESSARY_OMIT_VpOpenRemotePrinter
-SERVICE_EXPORT DWORD WINAPI VpOpenRemotePrinter(const wchar_t*, void** handle)
+SERVICE_EXPORT DWORD WINAPI VpOpenRemotePrinter(const wchar_t* name, void** handle)
 {
-    *handle = nullptr;
-    return ERROR_INVALID_PRINTER_NAME;
+    const auto open = Installed<decltype(&VpOpenRemotePrinter)>("VpOpenRemotePrinter");
+    return open != nullptr ? open(name, handle) : DWORD{ERROR_INVALID_PRINTER_NAME};
 }
 #endif
-UNCALLED_FUNCTION(VpCloseRemotePrinter)
-UNCALLED_FUNCTION(VpGetDevMode)
-UNCALLED_FUNCTION(VpFreeDevMode)
-UNCALLED_FUNCTION(VpGetDeviceCapabilities)
-UNCALLED_FUNCTION(VpFreeDeviceCapabilities)
-UNCALLED_FUNCTION(VpMakePTQuery)
+PASSED_ON(void, VpCloseRemotePrinter, (void* handle), (handle))
+PASSED_ON(DWORD, VpGetDevMode, (void* handle, void** devMode), (handle, devMode))
+PASSED_ON(void, VpFreeDevMode, (void* devMode), (devMode))
+PASSED_ON(DWORD,
+          VpGetDeviceCapabilities,
+          (void* handle, WORD index, DWORD* size, void** data, DWORD inSize, const void* devMode, LONG* result),
+          (handle, index, size, data, inSize, devMode, result))
+PASSED_ON(void, VpFreeDeviceCapabilities, (void* data), (data))
+PASSED_ON(DWORD,
+          VpMakePTQuery,
+          (void* handle, DWORD kind, DWORD inSize, const void* in, DWORD* outSize, void** out, LONG* result),
+          (handle, kind, inSize, in, outSize, out, result))
 #ifndef TESSARY_OMIT_VpFreePTData
-UNCALLED_FUNCTION(VpFreePTData)
+PASSED_ON(void, VpFreePTData, (void* data), (data))
 #endif

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace tsypr::test
@@ -52,6 +53,35 @@ public:
 
 private:
     Bytes m_bytes;
+};
+
+// Values as one text: Words() << 1 << "two" is "1 two".
+struct Words
+{
+    template <typename Value>
+    Words& operator<<(const Value& value)
+    {
+        text += parts++ == 0 ? "" : " ";
+        if constexpr (std::is_arithmetic_v<Value>)
+        {
+            text += std::to_string(value);
+        }
+        else
+        {
+            text += value;
+        }
+        return *this;
+    }
+    friend bool operator==(const std::string& expected, const Words& words)
+    {
+        return words.text == expected;
+    }
+    friend void PrintTo(const Words& words, std::ostream* out)
+    {
+        *out << words.text;
+    }
+    std::string text;
+    int parts = 0;
 };
 
 // The keyword or name as readers see it.

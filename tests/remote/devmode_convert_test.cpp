@@ -1,4 +1,3 @@
-#include "remote/devmode_fetch.h"
 #include "remote/driver_exports.h"
 #include "tests/remote/fake_service.h"
 
@@ -27,25 +26,6 @@ protected:
         return done ? kDone : GetLastError();
     }
 };
-
-TEST_F(RemoteTest, FetchCopiesDumpsAndGivesBackOrReportsItsFailure)
-{
-    const DeviceMode client = ClientDeviceMode();
-    service.devMode = client.Whole();
-    const SharedDevMode fetched = GetDevModeByVPrinterName(L"taken,as it is");
-    ASSERT_NE(nullptr, fetched);
-    EXPECT_EQ(0, std::memcmp(fetched.get(), client.Get(), DevModeTotalSize(client.Get())));
-    EXPECT_EQ((Messages{"open taken,as it is", "getDevMode", "close", "freeDevMode"}), service.TakeCalls());
-    EXPECT_EQ("verbose PrintUtils::DumpDevMode(): dm returned by VpGetDevMode():", log.Take().front());
-    service.devMode.reset();
-    EXPECT_EQ(nullptr, GetDevModeByVPrinterName(L"Laser"));
-    EXPECT_EQ((Messages{"open Laser", "getDevMode", "close"}), service.TakeCalls());
-    EXPECT_EQ(Messages{"error GetDevModeByVPrinterName, failed to call VpGetDevMode."}, log.Take());
-    service.opens = false;
-    EXPECT_EQ(nullptr, GetDevModeByVPrinterName(L"Laser"));
-    EXPECT_EQ(Messages{"open Laser"}, service.TakeCalls());
-    EXPECT_EQ(Messages{"error GetDevModeByVPrinterName, failed to open remote printer Laser."}, log.Take());
-}
 
 TEST_F(DevModeConvert, DriverDefault)
 {

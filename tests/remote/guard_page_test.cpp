@@ -38,7 +38,7 @@ protected:
     {
         service.devMode = ClientDeviceMode().Whole();
         service.capabilities[DC_PAPERS] = ListReply<uint16_t>(4000, {1, 9});
-        service.capabilities[DC_PAPERSIZE] = ListReply<POINT>(4000, {{2159, 2794}, {2100, 2970}});
+        service.capabilities[DC_PAPERSIZE] = ListReply<POINT>(4000, {{2159, 2794}}); // none for A4
         service.capabilities[DC_MEDIATYPES] = ListReply<uint32_t>(4000, {0x77777777});
         service.notesCalls = false;
     }

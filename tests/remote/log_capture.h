@@ -18,6 +18,12 @@ namespace tsypr::test
 
 using Messages = std::vector<std::string>;
 
+inline Messages ErrorsOf(Messages messages)
+{
+    std::erase_if(messages, [](const std::string& message) { return !message.starts_with("error "); });
+    return messages;
+}
+
 // Runs the log into a file of its own for as long as it lives.
 class LogCapture
 {
@@ -66,9 +72,7 @@ public:
     // The error messages written since the last call.
     Messages TakeErrors()
     {
-        Messages errors = Take();
-        std::erase_if(errors, [](const std::string& message) { return !message.starts_with("error "); });
-        return errors;
+        return ErrorsOf(Take());
     }
 
 private:

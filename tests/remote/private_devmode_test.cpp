@@ -1,14 +1,7 @@
 #include "remote/private_devmode.h"
-#include "remote/shared_devmode.h"
-#include "tests/remote/allocation_faults.h"
 #include "tests/remote/device_mode_builder.h"
 
 #include <gtest/gtest.h>
-
-#include <array>
-#include <atomic>
-#include <thread>
-#include <vector>
 
 namespace tsypr::test
 {
@@ -52,58 +45,6 @@ TEST(PrivateBlock, TextsEndAtTheirLastPosition)
     EXPECT_EQ(std::wstring(29, L'x'), Text(block.nupLayout));
     EXPECT_EQ(std::wstring(29, L's'), Text(block.staple));
     EXPECT_EQ(0x80000001U, uint32_t{block.lockedSettings}); // read by value: the field is misaligned
-}
-
-TEST(SharedDevMode, IsFreedOnceByTheLastOfManyThreads)
-{
-    constexpr int kRounds = 300;
-    const DeviceMode dm = ClientDeviceMode();
-    std::array<SharedDevMode, 4> slots;
-    // Counted by hand: a std::barrier that is used this fast may miss a wake-up.
-    std::atomic<int> round{-1};
-    std::atomic<size_t> released{0};
-    const auto waitFor = [&round](int wanted)
-    {
-        while (round < wanted)
-        {
-            std::this_thread::yield();
-        }
-    };
-    std::vector<std::thread> threads;
-    for (SharedDevMode& slot : slots)
-    {
-        threads.emplace_back(
-            [&]
-            {
-                for (int i = 0; i < kRounds; ++i)
-                {
-                    waitFor(i);
-                    slot.reset();
-                    ++released;
-                }
-                waitFor(kRounds); // until the last round is measured
-            });
-    }
-    int wrong = 0;
-    for (int i = 0; i < kRounds; ++i)
-    {
-        const long before = LiveAllocations();
-        slots.fill(CopyToSharedDevMode(dm.Get()));
-        wrong += slots[0].use_count() == 4 ? 0 : 1;
-        released = 0;
-        round = i;
-        while (released != slots.size())
-        {
-            std::this_thread::yield();
-        }
-        wrong += i != 0 && LiveAllocations() != before ? 1 : 0; // at first the threads themselves allocate
-    }
-    round = kRounds;
-    for (std::thread& thread : threads)
-    {
-        thread.join();
-    }
-    EXPECT_EQ(0, wrong);
 }
 
 } // namespace

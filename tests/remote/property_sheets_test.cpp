@@ -29,13 +29,13 @@ protected:
 
     wchar_t sessionName[300] = L"srv\\Other Laser,4";
     DeviceMode client;
+    DeviceMode out{220, 1112, 0x5A};
+    const Bytes before = out.Whole();
     DOCUMENTPROPERTYHEADER header = {};
 };
 
 TEST_F(PropertiesWithoutUI, GiveTheSize)
 {
-    DeviceMode out(220, 1112, 0x5A);
-    const Bytes before = out.Whole();
     for (const DWORD mode : {DWORD{0}, DWORD{DM_IN_BUFFER | DM_OUT_BUFFER}})
     {
         header.fMode = mode;
@@ -55,7 +55,6 @@ TEST_F(PropertiesWithoutUI, MergeIntoTheOutputUnderTheSessionPrintersName)
     DeviceMode in = client;
     in->dmFields = DM_COPIES;
     in->dmCopies = 3;
-    DeviceMode out(220, 1112, 0x5A);
     header.pdmIn = in.Get();
     header.pdmOut = out.Get();
     header.fMode = DM_IN_BUFFER | DM_OUT_BUFFER;
@@ -89,8 +88,6 @@ TEST_F(PropertiesWithoutUI, MergeIntoTheOutputUnderTheSessionPrintersName)
 
 TEST_F(PropertiesWithoutUI, FailuresGiveZeroAndLeaveTheOutput)
 {
-    DeviceMode out(220, 1112, 0x5A);
-    const Bytes before = out.Whole();
     header.pdmOut = out.Get();
     header.fMode = DM_OUT_BUFFER;
     wchar_t empty[] = L"";
@@ -104,9 +101,15 @@ TEST_F(PropertiesWithoutUI, FailuresGiveZeroAndLeaveTheOutput)
     header.pszPrinterName = sessionName;
     service.devMode.reset();
     EXPECT_EQ(0, Call());
-    EXPECT_EQ((Messages{"error GetDevModeByVPrinterName, failed to call VpGetDevMode.",
-                        "error DrvDocumentPropertySheets, failed to retrieve devmode for printer Other Laser"}),
+    const std::string notFetched =
+        "error DrvDocumentPropertySheets, failed to retrieve devmode for printer Other Laser";
+    EXPECT_EQ((Messages{"error GetDevModeByVPrinterName, failed to call VpGetDevMode.", notFetched}), log.TakeErrors());
+    EXPECT_EQ((Messages{"open Other Laser", "getDevMode", "close"}), service.TakeCalls());
+    service.opens = false;
+    EXPECT_EQ(0, Call());
+    EXPECT_EQ((Messages{"error GetDevModeByVPrinterName, failed to open remote printer Other Laser.", notFetched}),
               log.TakeErrors());
+    EXPECT_EQ(Messages{"open Other Laser"}, service.TakeCalls());
     EXPECT_EQ(0, DrvDocumentPropertySheets(nullptr, 0));
     EXPECT_EQ(99U, header.cbOut);
     EXPECT_EQ(before, out.Whole());

@@ -1,4 +1,5 @@
 // The exported functions, as Microsoft documents them for Compstui.dll, and those for tests.
+#include "lib/misc/runtime_release.h"
 #include "tools/compstui/contract.h"
 #include "tools/compstui/contract_exports.h"
 #include "tools/compstui/sheet.h"
@@ -121,4 +122,15 @@ extern "C"
             return 0;
         }
     }
+
+    BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved);
+}
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved)
+{
+    if (reason == DLL_PROCESS_DETACH && reserved == nullptr)
+    {
+        tsypr::ReleaseRuntimeMemory(); // comes and goes with the spooler's library
+    }
+    return TRUE;
 }
