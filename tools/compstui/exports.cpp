@@ -128,7 +128,11 @@ extern "C"
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved)
 {
-    if (reason == DLL_PROCESS_DETACH && reserved == nullptr)
+    if (reason == DLL_PROCESS_ATTACH)
+    {
+        tsypr::compstui::RepairPrintDialogs();
+    }
+    else if (reason == DLL_PROCESS_DETACH && reserved == nullptr)
     {
         tsypr::ReleaseRuntimeMemory(); // comes and goes with the spooler's library
     }

@@ -84,12 +84,3 @@ void RepairPrintDialogs() noexcept
 }
 
 } // namespace tsypr::compstui
-
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void*)
-{
-    if (reason == DLL_PROCESS_ATTACH)
-    {
-        tsypr::compstui::RepairPrintDialogs();
-    }
-    return TRUE;
-}
