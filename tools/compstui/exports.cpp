@@ -2,6 +2,7 @@
 #include "lib/misc/runtime_release.h"
 #include "tools/compstui/contract.h"
 #include "tools/compstui/contract_exports.h"
+#include "tools/compstui/printer_handle.h"
 #include "tools/compstui/sheet.h"
 #include "tools/compstui/spooler_answer.h"
 
