@@ -114,7 +114,8 @@ protected:
         service.ptReplies[kPTCHK].data = mutate.Text(FullTicket());
         for (const WORD index : {WORD{DC_MEDIATYPENAMES}, WORD{DC_MEDIATYPES}})
         {
-            const Bytes list = mutate.Block(index == DC_MEDIATYPES ? Bytes(12, 1) : NameList({L"Plain", L"Glossy"}));
+            const Bytes names = *NamesReply(64, {L"Plain", L"Glossy"}).data;
+            const Bytes list = mutate.Block(index == DC_MEDIATYPES ? Bytes(12, 1) : names);
             service.capabilities[index] = {
                 static_cast<int32_t>(mutate.Below(5)) - 1, list, static_cast<uint32_t>(list.size())};
         }

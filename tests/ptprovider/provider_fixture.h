@@ -61,16 +61,6 @@ struct LocalFreeIt
 };
 using OutDevMode = std::unique_ptr<DEVMODEW, LocalFreeIt>;
 
-inline Bytes NameList(const std::vector<std::wstring>& names)
-{
-    Bytes list(names.size() * 128);
-    for (size_t i = 0; i < names.size(); ++i)
-    {
-        memcpy(list.data() + i * 128, names[i].data(), std::min<size_t>(names[i].size(), 64) * sizeof(wchar_t));
-    }
-    return list;
-}
-
 // References that are left when one more has been taken and released.
 inline ULONG References(IUnknown* object)
 {
@@ -90,6 +80,15 @@ protected:
         log.Take();
     }
 
+    // A device mode with settings of every kind.
+    static DeviceMode FullDeviceMode()
+    {
+        DeviceMode dm = ClientDeviceMode();
+        dm->dmFields |= DM_MEDIATYPE;
+        dm->dmMediaType = 300;
+        dm.Private().featureBitmap = kFeatureNup | kFeatureFinishing;
+        return dm;
+    }
     // The client's answers to a ticket: a device mode, a ticket, capabilities with two media types.
     void AnswerEverything()
     {
@@ -98,8 +97,7 @@ protected:
         service.ptReplies[kDM2PT].data = BytesOf(FullTicket());
         service.ptReplies[kPT2PC].data = BytesOf(FullCapabilities());
         service.ptReplies[kPTCHK].data = BytesOf(FullTicket());
-        const Bytes names = NameList({L"Plain", L"Glossy", std::wstring(64, L'g')});
-        service.capabilities[DC_MEDIATYPENAMES] = {3, names, static_cast<uint32_t>(names.size())};
+        service.capabilities[DC_MEDIATYPENAMES] = NamesReply(64, {L"Plain", L"Glossy", std::wstring(64, L'g')});
         service.capabilities[DC_MEDIATYPES] = ListReply<uint32_t>(3, {1, 300, 301});
     }
     static std::string FullTicket(const std::string& media = "ns0000:Glossy")

@@ -143,8 +143,9 @@ TEST_F(ToDevMode, MediaTypesAreFoundByTheirNames)
     const std::string noData = "error GetDeviceCapabilitiesData, failed to call VpGetDeviceCapabilities to get cap ";
     const auto list = [](const std::vector<std::wstring>& names, int32_t count)
     {
-        const Bytes bytes = NameList(names);
-        return CapabilityReply{count, bytes, static_cast<uint32_t>(bytes.size())};
+        CapabilityReply reply = NamesReply(64, names);
+        reply.result = count;
+        return reply;
     };
     const struct
     {
@@ -225,25 +226,6 @@ TEST_F(ToDevMode, RepliesThatAreNoWholeDeviceMode)
     EXPECT_EQ(S_OK, ConvertTicket(nullptr, dm));
     EXPECT_EQ(std::pair(WORD{220}, WORD{893}), std::pair(dm->dmSize, dm->dmDriverExtra));
     EXPECT_EQ(Bytes(384, 1), Bytes(Block(dm).watermark, Block(dm).watermark + 384));
-}
-
-TEST_F(ToDevMode, NoReply)
-{
-    const auto ticket = Load(Ticket(""));
-    DEVMODEW untouched = {};
-    for (const PTReply& reply : {PTReply{E_ACCESSDENIED, std::nullopt, std::nullopt, 5},
-                                 {S_OK, std::nullopt, 77U},
-                                 {kConflictResolved, Bytes(1), 0U}})
-    {
-        service.ptReplies[kPT2DM] = reply;
-        service.TakeCalls();
-        ULONG bytes = 77;
-        DEVMODEW* dm = &untouched;
-        EXPECT_EQ(reply.result, provider->ConvertPrintTicketToDevMode(ticket.Get(), 0, nullptr, &bytes, &dm));
-        EXPECT_EQ(77U, bytes);
-        EXPECT_EQ(&untouched, dm);
-        EXPECT_TRUE(Calls().ends_with(reply.data ? "query PT2DM freeDevMode close" : "query PT2DM close"));
-    }
 }
 
 } // namespace

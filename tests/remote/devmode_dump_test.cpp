@@ -109,6 +109,9 @@ TEST(DevModeDump, EndsTheKeywordsWhateverTheLogLevel)
         const Messages lines = log.Take();
         const std::string cut = kLead + ("nupLayout(hidden) = " + std::string(29, 'k'));
         EXPECT_EQ(std::string(level) == "info" ? 0 : 1, std::count(lines.begin(), lines.end(), cut));
+        block.nupLayout.Write(std::wstring(40, L'x').c_str());
+        EXPECT_EQ(std::wstring(29, L'x'), Text(block.nupLayout));
+        EXPECT_EQ(std::wstring(29, L'k'), Text(block.staple));
     }
 }
 

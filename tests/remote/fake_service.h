@@ -37,6 +37,17 @@ CapabilityReply ListReply(int32_t result, const std::vector<Entry>& entries)
     return {result, Bytes(begin, begin + size), static_cast<uint32_t>(size)};
 }
 
+// Names in fields of a fixed size, as the printer's lists have them; a name that fills its field has no terminator.
+inline CapabilityReply NamesReply(size_t chars, const std::vector<std::wstring>& names)
+{
+    std::vector<wchar_t> fields(chars * names.size());
+    for (size_t i = 0; i < names.size(); ++i)
+    {
+        std::copy_n(names[i].begin(), std::min(chars, names[i].size()), fields.begin() + static_cast<int>(i * chars));
+    }
+    return ListReply(static_cast<int32_t>(names.size()), fields);
+}
+
 // What the client makes of a print ticket question.
 struct PTReply
 {

@@ -31,17 +31,6 @@ inline void UseEnglish()
     LogoBitmap = s_logo;
 }
 
-// Names in fields of a fixed size, as the printer's lists have them; a name that fills its field has no terminator.
-inline CapabilityReply NamesReply(size_t chars, const std::vector<std::wstring>& names)
-{
-    std::vector<wchar_t> fields(chars * names.size());
-    for (size_t i = 0; i < names.size(); ++i)
-    {
-        std::copy_n(names[i].begin(), std::min(chars, names[i].size()), fields.begin() + static_cast<int>(i * chars));
-    }
-    return ListReply(static_cast<int32_t>(names.size()), fields);
-}
-
 inline CapabilityReply Answer(int32_t result)
 {
     return {result, std::nullopt};
