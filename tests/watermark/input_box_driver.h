@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
@@ -14,15 +15,17 @@ namespace tsypr::test
 
 inline bool Eventually(const std::function<bool()>& holds)
 {
-    for (int i = 0; i < 5000; ++i)
+    constexpr ULONGLONG kPatience = 30000;
+    const ULONGLONG begin = GetTickCount64();
+    while (!holds())
     {
-        if (holds())
+        if (GetTickCount64() - begin > kPatience)
         {
-            return true;
+            return false;
         }
         Sleep(1);
     }
-    return false;
+    return true;
 }
 
 struct Box
@@ -50,38 +53,47 @@ struct Box
     }
 };
 
-// While it lives, takes the steps as soon as the box is up. A box that the steps leave open is a failure and cancelled.
+// Takes the steps as soon as the box is up. No box, and one that the steps leave open, is a failure; whatever comes up
+// then is cancelled as long as this lives.
 class BoxDriver
 {
 public:
-    explicit BoxDriver(std::function<void(const Box&)> steps) : m_thread([steps = std::move(steps)] { Run(steps); }) {}
+    explicit BoxDriver(std::function<void(const Box&)> steps)
+        : m_thread([this, steps = std::move(steps)] { Run(steps); })
+    {
+    }
     BoxDriver(const BoxDriver&) = delete;
     BoxDriver& operator=(const BoxDriver&) = delete;
     ~BoxDriver()
     {
+        m_isOver = true;
         m_thread.join();
     }
 
 private:
-    static void Run(const std::function<void(const Box&)>& steps)
+    static HWND FindBox()
+    {
+        const HWND window = FindWindowW(L"ZarnInputBox", nullptr);
+        return IsWindowVisible(window) ? window : nullptr;
+    }
+
+    void Run(const std::function<void(const Box&)>& steps)
     {
         HWND window = nullptr;
-        const bool isUp = Eventually(
-            [&window]
-            {
-                window = FindWindowW(L"ZarnInputBox", nullptr);
-                return window != nullptr && IsWindowVisible(window);
-            });
-        ASSERT_TRUE(isUp);
-        steps(Box{window});
-        const bool closed = Eventually([window] { return !IsWindow(window); });
-        EXPECT_TRUE(closed);
-        if (!closed)
+        const auto isUp = [&] { return (window = FindBox()) != nullptr || m_isOver; };
+        EXPECT_TRUE(Eventually(isUp) && window != nullptr) << "no box";
+        if (window != nullptr)
         {
-            PostMessageW(window, WM_CLOSE, 0, 0);
+            steps(Box{window});
+            EXPECT_TRUE(Eventually([window] { return !IsWindow(window); })) << "left open";
+        }
+        for (; !m_isOver; Sleep(1))
+        {
+            PostMessageW(FindBox(), WM_CLOSE, 0, 0);
         }
     }
 
+    std::atomic<bool> m_isOver{false};
     std::thread m_thread;
 };
 

@@ -90,15 +90,23 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
         EXPECT_EQ(c.accepted, answer.isAccepted);
         EXPECT_EQ(c.accepted ? c.result : L"", answer.text.text) << "is the box's own";
     }
-    // Keys that follow the end count no more.
+    // A key that follows the end counts no more. Both wait before the box takes the first.
+    static std::vector<WPARAM> s_keys;
+    const WNDPROC procedure = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT
+    {
+        s_keys.insert(s_keys.end(), message == WM_KEYDOWN ? 1 : 0, wParam);
+        return message != WM_USER
+                   ? DefWindowProcW(window, message, wParam, lParam)
+                   : PostMessageW(window, WM_KEYDOWN, VK_ESCAPE, 0) && PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);
+    };
+    SetWindowLongPtrW(sheet, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
     Show(
-        [](const Box& box)
+        [this](const Box& box)
         {
             box.Type(L"Late");
-            SendMessageW(box.window, WM_NULL, 0, 0);
-            PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_ESCAPE, 0);
-            PostMessageW(GetWindow(box.window, GW_OWNER), WM_KEYDOWN, VK_RETURN, 0);
+            SendMessageW(sheet, WM_USER, 0, 0);
         });
+    EXPECT_EQ((std::vector<WPARAM>{VK_ESCAPE, VK_RETURN}), s_keys);
     EXPECT_FALSE(answer.isAccepted);
 }
 
