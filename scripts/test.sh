@@ -36,6 +36,7 @@ run_tests() {
   # Where processes start and die quickly, they are killed more often.
   case $preset in native-*) export TESSARY_KILLS=200 ;; *) unset TESSARY_KILLS ;; esac
   ctest --preset "$preset" "${filter[@]}" --show-only=json-v1 >"$results/listing.json" || return 1
+  # The tests that go over all printers want these among theirs.
   export TESSARY_IMPORTED_PRINTERS=0
   local printer
   for printer in "$build/native-tests/printers"/*.json; do
