@@ -82,41 +82,6 @@ BOOL CALLBACK Visit(HWND window, LPARAM visitor)
     return (*reinterpret_cast<const WindowVisitor*>(visitor))(window) ? TRUE : FALSE;
 }
 
-std::string Describe(HWND window)
-{
-    wchar_t name[64] = L"";
-    wchar_t text[256] = L"";
-    DWORD_PTR length = 0;
-    GetClassNameW(window, name, 64);
-    // A program that hangs does not keep this one.
-    SendMessageTimeoutW(window, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(text), SMTO_ABORTIFHUNG, 1000, &length);
-    const std::u8string utf8 = std::filesystem::path(std::wstring(name) + L" \"" + text).u8string();
-    return std::to_string(GetDlgCtrlID(window)) + " " + std::string(utf8.begin(), utf8.end()) +
-           (IsWindowEnabled(window) != FALSE ? "\"\n" : "\" disabled\n");
-}
-
-// All windows on the screen and what is in them, a line for each.
-std::string DescribeScreen()
-{
-    std::string screen;
-    const WindowVisitor describeChild = [&](HWND window)
-    {
-        screen += IsWindowVisible(window) != FALSE ? "  " + Describe(window) : "";
-        return true;
-    };
-    const WindowVisitor describe = [&](HWND window)
-    {
-        if (IsWindowVisible(window) != FALSE)
-        {
-            screen += Describe(window);
-            EnumChildWindows(window, Visit, reinterpret_cast<LPARAM>(&describeChild));
-        }
-        return true;
-    };
-    EnumWindows(Visit, reinterpret_cast<LPARAM>(&describe));
-    return screen;
-}
-
 // A program that Wine ships, as its user sees it. It runs until the end of the object, whatever it shows then.
 class Application
 {
@@ -216,8 +181,7 @@ protected:
             const fs::path picture = Folder() / (std::string(GetParam().name) + ".bmp");
             const bool isSaved = pictures::SaveWindowPicture(GetDesktopWindow(), picture);
             ADD_FAILURE() << (isSaved ? "The screen is in " + picture.string() : "There is no picture of the screen")
-                          << ". Its windows:\n"
-                          << DescribeScreen();
+                          << ".";
         }
     }
 
@@ -280,7 +244,9 @@ protected:
             for (const int list : lists)
             {
                 const HWND control = PageControl(sheet, list);
+                const std::wstring before = ChosenIn(control);
                 EXPECT_TRUE(Choose(control, AnotherOf(control))) << list;
+                EXPECT_NE(ChosenIn(control), before) << list;
             }
         }
         return ReadChoices(sheet);

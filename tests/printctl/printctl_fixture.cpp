@@ -11,12 +11,7 @@ namespace tsypr::printctl_tests
 namespace
 {
 
-fs::path TestFolder()
-{
-    wchar_t text[MAX_PATH];
-    GetModuleFileNameW(nullptr, text, MAX_PATH);
-    return fs::path(text).parent_path();
-}
+constexpr DWORD kPatience = 60000;
 
 // A new file that a child process inherits.
 HANDLE OutputFile(const fs::path& file)
@@ -97,9 +92,16 @@ void AddSpooler(SystemState& state)
 
 } // namespace
 
+fs::path ProgramFolder()
+{
+    wchar_t text[MAX_PATH];
+    GetModuleFileNameW(nullptr, text, MAX_PATH);
+    return fs::path(text).parent_path();
+}
+
 Outcome RunPrintctl(const std::vector<std::wstring>& arguments)
 {
-    std::wstring line = L"\"" + (TestFolder() / L"printctl.exe").wstring() + L"\"";
+    std::wstring line = L"\"" + (ProgramFolder() / L"printctl.exe").wstring() + L"\"";
     for (const auto& argument : arguments)
     {
         line += L" \"" + argument + L"\"";
@@ -116,13 +118,21 @@ Outcome RunPrintctl(const std::vector<std::wstring>& arguments)
         CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &process);
     EXPECT_TRUE(started) << "printctl.exe is not beside the test program";
     DWORD code = ~DWORD{0};
-    WaitForSingleObject(process.hProcess, INFINITE);
+    if (WaitForSingleObject(process.hProcess, kPatience) != WAIT_OBJECT_0)
+    {
+        ADD_FAILURE() << "printctl.exe does not come to an end";
+        TerminateProcess(process.hProcess, 1);
+        WaitForSingleObject(process.hProcess, kPatience);
+    }
     GetExitCodeProcess(process.hProcess, &code);
     for (const HANDLE handle : {process.hThread, process.hProcess, start.hStdOutput, start.hStdError})
     {
         CloseHandle(handle);
     }
-    return {static_cast<int>(code), ReadText(out), ReadText(error)};
+    const Outcome outcome = {static_cast<int>(code), ReadText(out), ReadText(error)};
+    fs::remove(out);
+    fs::remove(error);
+    return outcome;
 }
 
 Json QueryJson(std::vector<std::wstring> arguments)
@@ -133,6 +143,19 @@ Json QueryJson(std::vector<std::wstring> arguments)
     Json document = Json::parse(outcome.out, nullptr, false);
     EXPECT_FALSE(document.is_discarded()) << outcome.out;
     return document;
+}
+
+void InstallProduct(const std::vector<std::wstring>& options)
+{
+    const std::wstring repair = ProgramFolder() / L"tsydomrepair.dll";
+    const auto size = static_cast<DWORD>((repair.size() + 1) * sizeof(wchar_t));
+    const wchar_t* documents = L"Software\\Classes\\CLSID\\{88D96A05-F192-11D4-A65F-0040963251E5}\\InprocServer32";
+    ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, documents, nullptr, REG_SZ, repair.c_str(), size), ERROR_SUCCESS);
+    RunPrintctl({L"remove"});
+    std::vector<std::wstring> arguments{L"install"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const Outcome outcome = RunPrintctl(arguments);
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
 }
 
 SystemState ReadSystemState()
@@ -200,7 +223,7 @@ DriverFolder::~DriverFolder()
 
 void DriverFolder::PlaceLibrary(const wchar_t* library, const std::wstring& name) const
 {
-    fs::copy_file(TestFolder() / library, m_path / name, fs::copy_options::overwrite_existing);
+    fs::copy_file(ProgramFolder() / library, m_path / name, fs::copy_options::overwrite_existing);
 }
 
 void DriverFolder::PlaceProfile(const std::wstring& file, const std::string& name) const

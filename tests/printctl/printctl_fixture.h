@@ -23,11 +23,17 @@ struct Outcome
     std::string error;
 };
 
-// Runs printctl.exe from the folder of the test program.
+// The folder of the test program.
+fs::path ProgramFolder();
+
+// Runs printctl.exe from there.
 Outcome RunPrintctl(const std::vector<std::wstring>& arguments);
 
 // The parsed output of a command that must succeed.
 Json QueryJson(std::vector<std::wstring> arguments);
+
+// Installs the built product over whatever an earlier run has left, with XML documents that are good enough for it.
+void InstallProduct(const std::vector<std::wstring>& options = {});
 
 // Printers, drivers, our registry keys and every file that an installation may touch, as path or name to content.
 using SystemState = std::map<std::string, std::string>;

@@ -162,6 +162,9 @@ TEST_F(QueryTest, RefusesWithACodeAndAReason)
         {{L"convert", L"Alpha", L"--in", File(L"missing.bin"), L"--out", File(L"x")}, 4, "missing.bin"},
         {{L"convert", L"Alpha"}, 1, "--out is required"},
         {{L"devmode", L"Alpha", L"--raw", L"--user-default"}, 1, ""},
+        {{L"preferences", L"Alpha", L"--language", L"xx-yy", L"--out", File(L"x")},
+         2,
+         "\"xx-yy\" is no installed language (installed: en-us)"},
         {{L"nonsense"}, 1, ""},
     };
     for (const auto& [arguments, code, message] : cases)

@@ -1,10 +1,11 @@
 // A small printer driver with fixed answers, so that the program can be tried without the product's own libraries. The
 // same file serves as UI library, as remote printer service and as language library.
 #include "remote/private_devmode.h"
-#include "tests/printctl/test_driver_sheet.h"
 #include "ui/document_property_header.h"
 
 #include <windows.h>
+
+#include <compstui.h>
 #include <winspool.h>
 
 #include <algorithm>
@@ -138,12 +139,8 @@ DrvDeviceCapabilities(HANDLE, const wchar_t* printer, WORD index, void* output, 
                                          : static_cast<DWORD>(-1);
 }
 
-TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* ui, LPARAM parameter)
+TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO*, LPARAM parameter)
 {
-    if (ui != nullptr && ui->Reason != PROPSHEETUI_REASON_INIT)
-    {
-        return AnswerSheet(*ui, nullptr);
-    }
     auto* header = reinterpret_cast<const DOCUMENTPROPERTYHEADER*>(parameter);
     if (IsNamed(header->pszPrinterName, L"Silent"))
     {
@@ -159,7 +156,7 @@ TEST_EXPORT LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* ui, LPARAM p
     {
         Merge(out, header->pdmIn);
     }
-    return ui == nullptr ? 1 : AnswerSheet(*ui, out);
+    return 1;
 }
 
 TEST_EXPORT BOOL WINAPI

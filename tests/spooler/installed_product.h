@@ -10,20 +10,13 @@
 namespace tsypr::spooler_tests
 {
 
-// The product is installed for the tests of a suite, with XML documents that are good enough for it.
+// The product is installed for the tests of a suite.
 class InstalledProduct : public testing::Test
 {
 public:
     static void SetUpTestSuite()
     {
-        wchar_t path[MAX_PATH];
-        GetModuleFileNameW(nullptr, path, MAX_PATH);
-        const std::wstring repair = std::filesystem::path(path).replace_filename(L"tsydomrepair.dll").wstring();
-        const auto size = static_cast<DWORD>((repair.size() + 1) * sizeof(wchar_t));
-        const wchar_t* documents = L"Software\\Classes\\CLSID\\{88D96A05-F192-11D4-A65F-0040963251E5}\\InprocServer32";
-        ASSERT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, documents, nullptr, REG_SZ, repair.c_str(), size), ERROR_SUCCESS);
-        const auto installed = printctl_tests::RunPrintctl({L"install"});
-        ASSERT_EQ(installed.code, 0) << installed.error;
+        printctl_tests::InstallProduct();
     }
     static void TearDownTestSuite()
     {

