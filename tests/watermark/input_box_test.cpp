@@ -92,6 +92,7 @@ TEST_F(InputBox, TakesTheTextOnEnterAndOkOnly)
     }
     // A key that follows the end counts no more. Both wait before the box takes the first.
     static std::vector<WPARAM> s_keys;
+    s_keys.clear();
     const WNDPROC procedure = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT
     {
         s_keys.insert(s_keys.end(), message == WM_KEYDOWN ? 1 : 0, wParam);
