@@ -129,7 +129,7 @@ Outcome RunPrintctl(const std::vector<std::wstring>& arguments)
     {
         CloseHandle(handle);
     }
-    const Outcome outcome = {static_cast<int>(code), ReadText(out), ReadText(error)};
+    Outcome outcome = {static_cast<int>(code), ReadText(out), ReadText(error)};
     fs::remove(out);
     fs::remove(error);
     return outcome;

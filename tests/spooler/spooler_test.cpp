@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "remote/private_devmode.h"
-#include "tests/service/build_printers.h"
 #include "tests/service/service_library.h"
 #include "tests/spooler/installed_product.h"
-#include "tools/printctl/text.h"
 
 namespace tsypr::spooler_tests
 {

@@ -188,7 +188,7 @@ TEST_F(Preferences, EndAsTheUserSays)
     for (const auto& [message, wParam] :
          {std::pair{WM_COMMAND, IDCANCEL}, std::pair{WM_SYSCOMMAND, SC_CLOSE}, std::pair{WM_CLOSE, 0}})
     {
-        const auto cancel = [&](HWND sheet)
+        const auto cancel = [message = message, wParam = wParam](HWND sheet)
         {
             Choose(sheet, kAllPages);
             PostMessageW(sheet, static_cast<UINT>(message), static_cast<WPARAM>(wParam), 0);
