@@ -51,7 +51,7 @@ private:
     }
     static void Set(const char* name, const char* value)
     {
-        value != nullptr ? setenv(name, value, 1) : unsetenv(name); // NOLINT(concurrency-mt-unsafe)
+        value != nullptr ? setenv(name, value, 1) : unsetenv(name);
     }
 #endif
 

@@ -49,7 +49,7 @@ struct ScratchFolder
     // Makes the file with the folders above it; gives its path.
     std::filesystem::path Write(const std::filesystem::path& name, std::string_view contents) const
     {
-        const std::filesystem::path file = path / name;
+        std::filesystem::path file = path / name;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << contents;
         return file;

@@ -5,6 +5,7 @@
 #include "lib/file/file.h"
 #include "lib/file/temporary_file.h"
 
+#include <algorithm>
 #include <atomic>
 #include <random>
 
