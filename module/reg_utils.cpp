@@ -61,12 +61,13 @@ LSTATUS QueryValue(HKEY key, const wchar_t* name, DWORD* type, void* data, DWORD
 }
 
 // Replaces HKEY_CURRENT_USER, whose handle is cached per process, by the hive of the user that the thread acts for: one
-// that impersonates must get its client's. `user` keeps the hive open. False when that cannot be opened.
-bool ResolveRoot(HKEY& root, REGSAM access, RegistryKey& user) noexcept
+// that impersonates must get its client's. `user` keeps the hive open, for reading: what may be written below it
+// depends on the user's rights there alone. False when it cannot be opened.
+bool ResolveRoot(HKEY& root, RegistryKey& user) noexcept
 {
     if (root == HKEY_CURRENT_USER)
     {
-        if (RegOpenCurrentUser(access, user.Put()) != ERROR_SUCCESS)
+        if (RegOpenCurrentUser(KEY_READ, user.Put()) != ERROR_SUCCESS)
         {
             return false;
         }
@@ -79,7 +80,7 @@ template <typename Char>
 bool OpenForReading(HKEY root, const Char* subkey, RegistryKey& key) noexcept
 {
     RegistryKey user;
-    return ResolveRoot(root, KEY_READ, user) && OpenKey(root, subkey, key.Put()) == ERROR_SUCCESS;
+    return ResolveRoot(root, user) && OpenKey(root, subkey, key.Put()) == ERROR_SUCCESS;
 }
 
 template <typename Char>
@@ -234,7 +235,7 @@ bool SetRegistryValue(
     }
     RegistryKey user;
     RegistryKey key;
-    if (!ResolveRoot(root, KEY_WRITE, user) ||
+    if (!ResolveRoot(root, user) ||
         RegCreateKeyExW(root, subkey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_WRITE, nullptr, key.Put(), nullptr) !=
             ERROR_SUCCESS)
     {

@@ -21,6 +21,7 @@
 #include <winspool.h>
 
 #include <cstddef>
+#include <memory>
 #include <new>
 
 namespace tsypr
@@ -128,8 +129,15 @@ UIContext* MakeContext(PROPSHEETUI_INFO& info,
                        DEVMODEW* output,
                        const SharedDevMode& fetched) noexcept
 {
-    auto* sheet = new (std::nothrow) OpenedSheet();
-    if (sheet == nullptr)
+    std::unique_ptr<OpenedSheet> sheet(new (std::nothrow) OpenedSheet());
+    DEVMODEW* devMode = output != nullptr ? output : fetched.get();
+    if (sheet != nullptr && (header.fMode & DM_NOPERMISSION) != 0)
+    {
+        sheet->isReadOnly = true;
+        sheet->shown = CopyDevMode(devMode);
+        devMode = sheet->shown.get();
+    }
+    if (sheet == nullptr || devMode == nullptr)
     {
         LogError("%s, failed to allocate memory for the sheet.\n", kSheetFunction);
         return nullptr;
@@ -137,12 +145,11 @@ UIContext* MakeContext(PROPSHEETUI_INFO& info,
     sheet->fetched = fetched;
     sheet->input = InputOf(header, fetched.get());
     sheet->output = output;
-    sheet->isReadOnly = (header.fMode & DM_NOPERMISSION) != 0;
-    sheet->devMode = output != nullptr ? output : fetched.get();
+    sheet->devMode = devMode;
     sheet->comPropSheet = info.pfnComPropSheet;
     sheet->comPropSheetHandle = info.hComPropSheet;
-    info.UserData = reinterpret_cast<ULONG_PTR>(static_cast<UIContext*>(sheet));
-    return sheet;
+    info.UserData = reinterpret_cast<ULONG_PTR>(static_cast<UIContext*>(sheet.get()));
+    return sheet.release();
 }
 
 } // namespace

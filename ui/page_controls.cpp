@@ -45,7 +45,7 @@ void DisableControls(HWND dialog) noexcept
 {
     for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT))
     {
-        if (!IsStatic(control))
+        if (!IsStatic(control) || IsLabel(control))
         {
             EnableWindow(control, FALSE);
         }

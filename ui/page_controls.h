@@ -48,7 +48,7 @@ private:
 // Enables or disables a button.
 void EnableControl(HWND dialog, int id, bool enabled) noexcept;
 
-// Disables every control of the dialog but texts and pictures.
+// Disables every control of the dialog but pictures.
 void DisableControls(HWND dialog) noexcept;
 
 // Checks the radio button of the choice, 0 for `first`, and no other up to `last`. A choice that has no button checks

@@ -2,6 +2,7 @@
 #ifndef TESSARY_UI_SHEET_FLOW_H
 #define TESSARY_UI_SHEET_FLOW_H
 
+#include "remote/devmode_copy.h"
 #include "remote/private_devmode.h"
 #include "remote/shared_devmode.h"
 #include "ui/ui_context.h"
@@ -19,8 +20,9 @@ namespace tsypr
 struct OpenedSheet : UIContext
 {
     SharedDevMode fetched;
-    DEVMODEW* input;  // the caller's; null if there is none
-    DEVMODEW* output; // likewise
+    DevModeCopy shown; // what a sheet that is read-only works on, since pages store some settings when they open
+    DEVMODEW* input;   // the caller's; null if there is none
+    DEVMODEW* output;  // likewise
 };
 
 // What the messages of all steps are logged under.

@@ -19,7 +19,7 @@ namespace
 
 constexpr char kFunction[] = "InitUIContext";
 
-// The fields' order is part of the driver's documented record.
+// The order of the fields is fixed; what is this module's own comes last.
 constexpr size_t kOffsets[] = {offsetof(UIContext, comPropSheet),
                                offsetof(UIContext, comPropSheetHandle),
                                offsetof(UIContext, layoutPage),

@@ -131,21 +131,6 @@ void InitializeWatermarkOthers(HWND page, const WatermarkBlock& block) noexcept
     }
 }
 
-// Without a private block the watermark has no place to go to.
-void DisableControls(HWND page) noexcept
-{
-    DropDownList(page, IDC_WATERMARK_TEXT).Disable();
-    for (const int control : {IDC_WATERMARK_FONT,
-                              IDC_WATERMARK_ADD,
-                              IDC_WATERMARK_DELETE,
-                              IDC_WATERMARK_IN_FRONT,
-                              IDC_WATERMARK_BEHIND,
-                              IDC_WATERMARK_FIRST_PAGE})
-    {
-        EnableControl(page, control, false);
-    }
-}
-
 void Open(HWND page, const PROPSHEETPAGEW& sheetPage)
 {
     UIContext& context = KeepPage(page, sheetPage);
@@ -156,7 +141,7 @@ void Open(HWND page, const PROPSHEETPAGEW& sheetPage)
     InitializeWatermarkOthers(page, fromDeviceMode.block);
     if (GetPrivateDevMode(context.devMode) == nullptr)
     {
-        DisableControls(page);
+        DisableControls(page); // the watermark has no place to go to
     }
 }
 

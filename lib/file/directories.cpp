@@ -57,7 +57,7 @@ SystemError CheckRealDirectory(const NativePath& path) noexcept
 }
 
 // Removes a folder and all in it, as far as that is possible, and keeps the first failure. The folders that it is in
-// are a list and no recursion, for the same reason.
+// are a list: with recursion a thread's stack would limit the depth.
 class TreeRemoval
 {
 public:

@@ -2,7 +2,6 @@
 // installed it knows no printer. Built with all its functions and with one left out.
 #include <windows.h>
 
-#include <atomic>
 #include <climits>
 #include <cstring>
 #include <cwchar>
@@ -10,9 +9,11 @@
 namespace
 {
 
-std::atomic<DWORD> g_delay{0};
-std::atomic<const char*> g_endless{""};
-std::atomic<int> g_calls{0};
+// Windows' own atomic operations: those of the C++ library bring its reserve along, which each unload would leave
+// behind.
+volatile LONG g_delay = 0;
+const char* volatile g_endless = "";
+volatile LONG g_calls = 0;
 
 // The function behind the one of that name; null where there is none.
 template <typename Function>
@@ -20,11 +21,11 @@ Function Installed(const char* name)
 {
     if (std::strcmp(name, g_endless) == 0)
     {
-        g_calls = INT_MIN;
+        InterlockedExchange(&g_calls, LONG_MIN);
         Sleep(INFINITE);
     }
-    ++g_calls;
-    Sleep(g_delay);
+    InterlockedIncrement(&g_calls);
+    Sleep(static_cast<DWORD>(g_delay));
     wchar_t path[MAX_PATH + 32];
     std::wcscpy(path + GetSystemDirectoryW(path, MAX_PATH), L"\\tsyprserverapi.dll");
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(path), name)));
@@ -44,9 +45,9 @@ Function Installed(const char* name)
 // caller's, never come back. Returns how many calls there were, a negative number once one has not come back.
 SERVICE_EXPORT int WINAPI SetServiceManners(DWORD delay, const char* endless)
 {
-    g_delay = delay;
+    InterlockedExchange(&g_delay, static_cast<LONG>(delay));
     g_endless = endless;
-    return g_calls;
+    return static_cast<int>(g_calls);
 }
 
 #ifndef TESSARY_OMIT_VpOpenRemotePrinter

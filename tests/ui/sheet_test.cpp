@@ -293,8 +293,8 @@ TEST_F(Sheet, IsReadOnlyWithoutPermission)
     header.fMode |= DM_NOPERMISSION;
     FakeSheet sheet(header);
     ASSERT_EQ(1, sheet.Open());
-    sheet.Show();
     const Bytes before = out.Whole();
+    sheet.Show(); // when some pages store settings
     for (const FakeSheet::Page& one : sheet.pages)
     {
         for (HWND control = GetWindow(one.dialog, GW_CHILD); control != nullptr;

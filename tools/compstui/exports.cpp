@@ -135,6 +135,7 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID reserved)
     }
     else if (reason == DLL_PROCESS_DETACH && reserved == nullptr)
     {
+        tsypr::compstui::LeavePrintDialogs();
         tsypr::ReleaseRuntimeMemory(); // comes and goes with the spooler's library
     }
     return TRUE;

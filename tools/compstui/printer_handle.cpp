@@ -24,7 +24,9 @@ DocumentPropertiesByName(HWND owner, HANDLE printer, LPWSTR name, LPDEVMODEW out
     const LONG answer = g_documentProperties(owner, printer, name, output, input, mode);
     if (opened != nullptr)
     {
+        const DWORD error = GetLastError();
         g_closePrinter(opened);
+        SetLastError(error);
     }
     return answer;
 }
@@ -54,20 +56,11 @@ void Replace(ULONG_PTR& address, ULONG_PTR replacement) noexcept
     }
 }
 
-} // namespace
-
-void RepairPrintDialogs() noexcept
+// Has the print dialogs call `now` where they called `before`.
+void Redirect(decltype(&DocumentPropertiesW) before, decltype(&DocumentPropertiesW) now) noexcept
 {
-    const HMODULE spooler = GetModuleHandleW(L"winspool.drv");
     auto* dialogs = reinterpret_cast<BYTE*>(GetModuleHandleW(L"comdlg32.dll"));
-    if (spooler == nullptr || dialogs == nullptr)
-    {
-        return;
-    }
-    Find(spooler, "DocumentPropertiesW", g_documentProperties);
-    Find(spooler, "OpenPrinterW", g_openPrinter);
-    Find(spooler, "ClosePrinter", g_closePrinter);
-    if (g_documentProperties == nullptr || g_openPrinter == nullptr || g_closePrinter == nullptr)
+    if (dialogs == nullptr || before == nullptr)
     {
         return;
     }
@@ -75,12 +68,35 @@ void RepairPrintDialogs() noexcept
     {
         for (auto* address = reinterpret_cast<ULONG_PTR*>(dialogs + from->FirstThunk); *address != 0; ++address)
         {
-            if (*address == reinterpret_cast<ULONG_PTR>(g_documentProperties))
+            if (*address == reinterpret_cast<ULONG_PTR>(before))
             {
-                Replace(*address, reinterpret_cast<ULONG_PTR>(&DocumentPropertiesByName));
+                Replace(*address, reinterpret_cast<ULONG_PTR>(now));
             }
         }
     }
+}
+
+} // namespace
+
+void RepairPrintDialogs() noexcept
+{
+    const HMODULE spooler = GetModuleHandleW(L"winspool.drv");
+    if (spooler == nullptr)
+    {
+        return;
+    }
+    Find(spooler, "DocumentPropertiesW", g_documentProperties);
+    Find(spooler, "OpenPrinterW", g_openPrinter);
+    Find(spooler, "ClosePrinter", g_closePrinter);
+    if (g_openPrinter != nullptr && g_closePrinter != nullptr)
+    {
+        Redirect(g_documentProperties, DocumentPropertiesByName);
+    }
+}
+
+void LeavePrintDialogs() noexcept
+{
+    Redirect(DocumentPropertiesByName, g_documentProperties);
 }
 
 } // namespace tsypr::compstui

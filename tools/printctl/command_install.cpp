@@ -59,7 +59,8 @@ void AddInstallCommand(const Command& program)
                   "folder with printer profiles (otherwise printers\\ in the driver folder)");
     command.Values("--printer",
                    options->printers,
-                   "printer to add, named as a profile, with or without a comma and a session suffix behind "
+                   "any number of times: a printer to add, named as a profile, with or without a comma and a session "
+                   "suffix behind "
                    "(otherwise one printer for each profile)");
     command.Value("--port", options->port, "port of new printers");
     command.Value("--graphics-driver",
