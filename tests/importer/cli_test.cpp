@@ -21,7 +21,7 @@ protected:
     int Run(const std::string& arguments) const
     {
         const std::string command =
-            "cd '" + m_folder.Path("") + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
+            "cd '" + m_folder.path.string() + "' && '" TESSARY_PPDIMPORT "' " + arguments + " >out 2>err";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
@@ -83,11 +83,11 @@ TEST_F(ImporterProgram, TellsErrorsByExitCode)
 TEST(ImporterOutput, FailureLeavesNothingBehind)
 {
     const ScratchFolder folder;
-    std::filesystem::create_directory(folder.Path("taken"));
-    EXPECT_THROW(WriteFileAtomically(folder.Path("taken"), "text"), OutputError);
+    std::filesystem::create_directory(folder / "taken");
+    EXPECT_THROW(WriteFileAtomically(folder / "taken", "text"), OutputError);
     WriteFileAtomically(folder.Write("file", "a longer old text"), "new");
     EXPECT_EQ(folder.Read("file"), "new");
-    const std::filesystem::directory_iterator entries(folder.Path(""));
+    const std::filesystem::directory_iterator entries(folder.path);
     EXPECT_EQ(std::distance(begin(entries), end(entries)), 2);
 }
 

@@ -1,5 +1,6 @@
 #include "service/profile_parser.h"
 #include "tests/importer/test_support.h"
+#include "tests/lib/scoped_variable.h"
 #include "tools/ppdimport/ppd_reader.h"
 #include "tools/ppdimport/text.h"
 
@@ -72,8 +73,8 @@ TEST(ImporterReader, DecodesTexts)
 // The caller's language must not change a profile.
 TEST(ImporterReader, TakesEnglishTexts)
 {
-    setenv("LANG", "de_DE.UTF-8", 1);
-    setenv("LC_ALL", "de_DE.UTF-8", 1);
+    const test::ScopedVariable language("LANG", "de_DE.UTF-8");
+    const test::ScopedVariable all("LC_ALL", "de_DE.UTF-8");
     const PpdModel model = ReadText(SmallPpd("*cupsLanguages: \"de\"\n*de.PageSize A4/A4 Papier: \"\"\n", "UTF-8"));
     EXPECT_EQ(Find(model, "PageSize").choices.at(1).text, "A4");
 }

@@ -8,37 +8,16 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <iterator>
 #include <sstream>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tsypr::ppdimport
 {
 
-// A folder of its own for one test, removed with all it holds.
 struct ScratchFolder : test::ScratchFolder
 {
     ScratchFolder() : test::ScratchFolder("importer") {}
-
-    std::string Path(std::string_view name) const
-    {
-        return path / name;
-    }
-
-    std::string Read(std::string_view name) const
-    {
-        std::ifstream file(path / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
-
-    // Gives the path.
-    std::string Write(std::string_view name, std::string_view content) const
-    {
-        std::ofstream(path / name, std::ios::binary) << content;
-        return path / name;
-    }
 };
 
 // A small PPD file with A4 and Letter; `more` goes behind the page sizes.

@@ -6,8 +6,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tsypr
@@ -42,6 +44,22 @@ struct ScratchFolder
     std::filesystem::path operator/(const std::filesystem::path& name) const
     {
         return path / name;
+    }
+
+    // Makes the file with the folders above it; gives its path.
+    std::filesystem::path Write(const std::filesystem::path& name, std::string_view contents) const
+    {
+        std::filesystem::path file = path / name;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << contents;
+        return file;
+    }
+
+    // Empty also when there is no such file.
+    std::string Read(const std::filesystem::path& name) const
+    {
+        std::ifstream file(path / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     }
 
     const std::filesystem::path path;

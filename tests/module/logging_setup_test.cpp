@@ -1,6 +1,7 @@
 #include "module/logging_setup.h"
 
 #include "module/log.h"
+#include "tests/lib/scoped_variable.h"
 #include "tests/lib/test_files.h"
 #include "tests/module/test_registry.h"
 
@@ -23,10 +24,6 @@ protected:
     LoggingSetupTest()
     {
         fs::create_directory(m_data);
-        fs::create_directories(m_userData);
-        fs::create_directories(m_commonData);
-        SetEnvironmentVariableW(L"APPDATA", (m_folder / "user").c_str());
-        SetEnvironmentVariableW(L"ProgramData", (m_folder / "all").c_str());
         SetText(kProductKey, L"AppDataPath", m_data.c_str());
     }
     ~LoggingSetupTest() override
@@ -34,10 +31,10 @@ protected:
         ShutdownLogging();
     }
 
-    static void SetPreference(const fs::path& folder, const std::string& name, const std::string& value)
+    void SetPreference(const fs::path& folder, const std::string& name, const std::string& value) const
     {
-        std::ofstream(folder / "preferences.conf", std::ios::binary)
-            << (value.empty() ? "" : "pref.pr.ui." + name + " = \"" + value + "\"\n");
+        m_folder.Write(folder / "preferences.conf",
+                       value.empty() ? "" : "pref.pr.ui." + name + " = \"" + value + "\"\n");
     }
 
     // The number of logs in the folder, which must all have generated names.
@@ -65,7 +62,7 @@ protected:
     ScratchFolder m_folder{"logging"};
     fs::path m_data = m_folder / "data";
     fs::path m_userData = m_folder / "user/Zelmora/Tessary";
-    fs::path m_commonData = m_folder / "all/Zelmora/Tessary";
+    ScopedVariable m_userVariable{"APPDATA", m_folder / "user"};
     TestRegistry m_registry;
 };
 
@@ -143,31 +140,6 @@ TEST_F(LoggingSetupTest, PassesOnWhatThePreferencesSayAboutTheFiles)
     SetPreference(m_data, "log.keepFiles", "1");
     WriteALog();
     EXPECT_EQ(entries(), 1);
-}
-
-TEST_F(LoggingSetupTest, FindsTheApplicationData)
-{
-    const std::wstring withBackslash = m_data.native() + L"\\"; // as some write directories
-    const fs::path none = m_folder / "none";
-    const std::pair<const wchar_t*, fs::path> cases[] = {
-        {withBackslash.c_str(), m_data},
-        {nullptr, m_commonData},
-        {L"", m_commonData},
-        {none.c_str(), {}}}; // registered, but not there: no file rather than one elsewhere
-    for (const auto& [registered, expected] : cases)
-    {
-        SetText(kProductKey, L"AppDataPath", registered);
-        WriteALog();
-        for (const fs::path& folder : {m_data, m_commonData, none})
-        {
-            EXPECT_EQ(CountLogs(folder / "logs"), folder == expected ? 1 : 0) << folder << expected;
-            fs::remove_all(folder / "logs");
-        }
-    }
-    fs::remove_all(m_commonData); // neither registered nor where it is by default
-    SetText(kProductKey, L"AppDataPath", nullptr);
-    WriteALog();
-    EXPECT_FALSE(fs::exists(m_commonData));
 }
 
 TEST_F(LoggingSetupTest, FileNamesAreInTheCodePageOfTheRegistry)

@@ -1,17 +1,13 @@
 #ifndef TESSARY_TESTS_SERVICE_SAMPLE_PROFILE_H
 #define TESSARY_TESTS_SERVICE_SAMPLE_PROFILE_H
 
-#include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <string>
-#include <string_view>
-#include <system_error>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "service/profile_parser.h"
+#include "tests/lib/test_files.h"
 
 namespace tsypr::service::test
 {
@@ -81,29 +77,10 @@ inline std::vector<std::string> Lines(const std::vector<ProfileProblem>& problem
     return lines;
 }
 
-// A directory of profiles that disappears with the object.
-struct ProfileDirectory
+// A directory for profiles that disappears with the object.
+struct ProfileDirectory : tsypr::test::ScratchFolder
 {
-    ProfileDirectory()
-    {
-        std::filesystem::create_directories(path);
-    }
-    ProfileDirectory(const ProfileDirectory&) = delete;
-    ProfileDirectory& operator=(const ProfileDirectory&) = delete;
-    ~ProfileDirectory()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path, ignored);
-    }
-
-    void Write(std::string_view file, std::string_view content) const
-    {
-        std::ofstream(path / file, std::ios::binary) << content;
-    }
-
-    const std::filesystem::path path =
-        std::filesystem::temp_directory_path() /
-        ("tessary-profiles-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    ProfileDirectory() : ScratchFolder("profiles") {}
 };
 
 } // namespace tsypr::service::test

@@ -12,6 +12,7 @@
 #include <winspool.h>
 
 #include "service/vp_api.h"
+#include "tests/module/test_registry.h"
 #include "tests/service/sample_profile.h"
 
 namespace tsypr::service::test
@@ -106,23 +107,12 @@ struct ServiceSetting : testing::Test
     {
         directory.Write("sample.json", SampleProfile().dump());
         directory.Write("sparse.json", SparseProfile().dump());
-        HKEY key = nullptr;
-        RegCreateKeyExW(HKEY_CURRENT_USER, kScratch, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, key);
-        RegCloseKey(key);
-        const std::wstring path = directory.path.wstring();
-        const auto bytes = static_cast<DWORD>((path.size() + 1) * sizeof(WCHAR));
-        RegSetKeyValueW(HKEY_LOCAL_MACHINE, kKey, L"PrinterProfiles", REG_SZ, path.c_str(), bytes);
-    }
-    ~ServiceSetting() override
-    {
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        RegDeleteTreeW(HKEY_CURRENT_USER, kScratch);
+        tsypr::test::SetText(kKey, L"PrinterProfiles", directory.path.c_str());
     }
 
-    static constexpr auto kScratch = L"Software\\TessaryServiceTests";
     static constexpr auto kKey = L"Software\\Zelmora\\Tessary\\PrintRedir\\service";
     ProfileDirectory directory;
+    tsypr::test::TestRegistry registry;
 };
 
 struct SampleService : ServiceSetting

@@ -31,7 +31,7 @@ TEST(FileLock, ModesOwnersAndTimeOuts)
         result = second.Acquire(path.c_str(), mode, 40);
         EXPECT_EQ(result.error, FileError::TimedOut);
         EXPECT_GE(result.elapsedMs, 40U);
-        EXPECT_GE(result.retries, 3U);
+        EXPECT_GE(result.retries, 1U);
         EXPECT_NE(result.lastRetriedError, 0U);
     }
     first.Release();
@@ -83,18 +83,18 @@ TEST(FileLock, BadPathsAndFaults)
 TEST(FileLock, ARemovedLockFileIsMadeAnew)
 {
     const ScratchFolder scratch("lock-removed");
-    const std::string path = Utf8(scratch / "lock");
+    std::string path = Utf8(scratch / "lock");
     FileLock first;
     FileLock second;
     FileLock third;
     ASSERT_TRUE(first.Acquire(path.c_str(), LockMode::Exclusive, 0).Ok());
-    const std::jthread removing(
-        [&]
-        {
-            std::this_thread::sleep_for(std::chrono::milliseconds(20));
-            RemoveFile(path.c_str());
-        });
-    // It waits on the file that is removed, and must notice.
+    // It waits on the file, which is removed before it tries again, and must notice.
+    FileFaultPlan plan;
+    plan.Call(
+        FileOperation::Lock,
+        [](void* context) { RemoveFile(static_cast<const std::string*>(context)->c_str()); },
+        &path,
+        2);
     EXPECT_TRUE(second.Acquire(path.c_str(), LockMode::Exclusive, 10'000).Ok());
     EXPECT_EQ(third.Acquire(path.c_str(), LockMode::Exclusive, 0).error, FileError::TimedOut);
 }

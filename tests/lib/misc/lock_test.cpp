@@ -82,35 +82,36 @@ TYPED_TEST(LockTest, TimedFormsWaitAsLongAsTheyShould)
     const int64_t begin = MonotonicMicroseconds();
     EXPECT_FALSE(ElsewhereSays([&lock] { return lock.TryAcquireFor(30); }));
     EXPECT_GE(MonotonicMicroseconds() - begin, 29'000);
+    EXPECT_EQ(lock.Statistics().acquisitions - this->m_before.acquisitions, 1U); // what timed out does not count
 
-    std::atomic<int> asking{0};
-    const auto waiting = [&lock, &asking](auto take)
+    bool bothWaited = false; // where the processors are busy, a thread may come when the lock is free again
+    for (int attempt = 0; attempt < 20 && !bothWaited; ++attempt)
     {
-        return std::async(std::launch::async,
-                          [&lock, &asking, take]
-                          {
-                              ++asking;
-                              take();
-                              lock.Release();
-                          });
-    };
-    auto patient = waiting([&lock] { EXPECT_TRUE(lock.TryAcquireFor(60'000)); });
-    auto endless = waiting([&lock] { lock.Acquire(); });
-    while (asking != 2)
-    {
-        std::this_thread::yield();
+        const LockStatistics before = lock.Statistics();
+        const auto waiting = [&lock](auto take)
+        {
+            return std::async(std::launch::async,
+                              [&lock, take]
+                              {
+                                  take();
+                                  lock.Release();
+                              });
+        };
+        auto patient = waiting([&lock] { EXPECT_TRUE(lock.TryAcquireFor(60'000)); });
+        auto endless = waiting([&lock] { lock.Acquire(); });
+        std::this_thread::sleep_for(30ms);
+        lock.Release();
+        patient.get();
+        endless.get();
+        const LockStatistics after = lock.Statistics();
+        EXPECT_EQ(after.acquisitions - before.acquisitions, 2U);
+        bothWaited = after.contended - before.contended == 2 && after.totalWaitUs - before.totalWaitUs >= 20'000 &&
+                     after.longestWaitUs >= 10'000;
+        lock.Acquire();
     }
-    std::this_thread::sleep_for(30ms);
     lock.Release();
-    patient.get();
-    endless.get();
+    EXPECT_TRUE(bothWaited);
     EXPECT_LT(MonotonicMicroseconds() - begin, 30'000'000); // woken, not timed out
-
-    const LockStatistics after = lock.Statistics();
-    EXPECT_EQ(after.acquisitions - this->m_before.acquisitions, 3U); // what timed out does not count
-    EXPECT_EQ(after.contended - this->m_before.contended, 2U);
-    EXPECT_GE(after.totalWaitUs - this->m_before.totalWaitUs, 20'000U);
-    EXPECT_GE(after.longestWaitUs, 10'000U);
 }
 
 TEST(RecursiveLockTest, TheHolderMayComeAgain)

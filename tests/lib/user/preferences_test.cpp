@@ -21,36 +21,23 @@ std::string Value(const char* key)
     return ReadPreference(key, value) ? value : "<none>" + value;
 }
 
-void WriteFile(const std::filesystem::path& path, std::string_view text)
-{
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::string text;
-    return ReadFileContents(Utf8(path).c_str(), size_t{1} << 30, text).Ok() ? text : "<none>";
-}
-
 // Both files in folders of the test's own, and a store that is started.
 struct Store
 {
     Store()
     {
-        SetVariable(kUserVariable, Utf8(scratch / "user"));
         PreferencesStart();
     }
     ~Store()
     {
         PreferencesStop();
-        SetVariable(kUserVariable, "");
     }
     Store(const Store&) = delete;
     Store& operator=(const Store&) = delete;
 
     const ScratchFolder scratch{"preferences"};
-    const MachineSetting setting{scratch.path};
+    const MachineSetting machine{scratch.path};
+    const ScopedVariable user{kUserVariable, scratch / "user"};
     const std::filesystem::path machineFile = scratch / "preferences.conf";
     const std::filesystem::path userFile = scratch / "user" / kUserFolder / "preferences.conf";
 };
@@ -58,11 +45,11 @@ struct Store
 TEST(Preferences, UserWins)
 {
     const Store store;
-    WriteFile(store.machineFile, "both = \"machine\"\nmachine = \"1\"\n");
-    WriteFile(store.userFile, "both = \"user\"\nuser = \"2\"\n");
+    store.scratch.Write(store.machineFile, "both = \"machine\"\nmachine = \"1\"\n");
+    store.scratch.Write(store.userFile, "both = \"user\"\nuser = \"2\"\n");
     EXPECT_EQ(Value("both") + Value("machine") + Value("user") + Value("x"), "user12<none>");
     // What others write is seen when it is asked for.
-    WriteFile(store.userFile, "user = \"3\"\n");
+    store.scratch.Write(store.userFile, "user = \"3\"\n");
     EXPECT_EQ(Value("both") + Value("user"), "user2");
     EXPECT_TRUE(PreferencesReload().Ok());
     EXPECT_EQ(Value("both") + Value("user"), "machine3");
@@ -77,8 +64,8 @@ TEST(Preferences, UserWins)
 TEST(Preferences, ReloadReportsWhatIsWrong)
 {
     const Store store;
-    WriteFile(store.machineFile, "a = \"1\"\nb = 2\n");
-    WriteFile(store.userFile, "\n\nc\nd=\"4\"\n");
+    store.scratch.Write(store.machineFile, "a = \"1\"\nb = 2\n");
+    store.scratch.Write(store.userFile, "\n\nc\nd=\"4\"\n");
     PreferenceReport report;
     EXPECT_TRUE(PreferencesReload(&report).Ok());
     ASSERT_EQ(report.damagedCount, 2U);
@@ -88,8 +75,8 @@ TEST(Preferences, ReloadReportsWhatIsWrong)
     EXPECT_EQ(report.damaged[1].scope, PreferenceScope::User);
     EXPECT_EQ(report.damaged[1].line, 3U);
 
-    WriteFile(store.machineFile, "a = \"9\"\n");
-    WriteFile(store.userFile, std::string(1024 * 1024 + 1, '\n'));
+    store.scratch.Write(store.machineFile, "a = \"9\"\n");
+    store.scratch.Write(store.userFile, std::string(1024 * 1024 + 1, '\n'));
     EXPECT_EQ(PreferencesReload(&report).error, FileError::TooLarge);
     EXPECT_EQ(report.user.error, FileError::TooLarge);
     EXPECT_TRUE(report.machine.Ok());
@@ -107,19 +94,19 @@ TEST(Preferences, ReloadReportsWhatIsWrong)
 TEST(Preferences, ChangesAreSeenAndKeepTheRest)
 {
     const Store store;
-    WriteFile(store.machineFile, "# kept\r\na = \"1\"\r\nbroken\r\n");
+    store.scratch.Write(store.machineFile, "# kept\r\na = \"1\"\r\nbroken\r\n");
     EXPECT_EQ(Value("a"), "1");
     EXPECT_TRUE(WritePreference(PreferenceScope::Machine, "a", "2").Ok());
     EXPECT_TRUE(WritePreference(PreferenceScope::User, "a", "\xC3\xA4\n").Ok()); // makes folder and file
     EXPECT_EQ(Value("a"), "\xC3\xA4\n");
-    EXPECT_EQ(ReadFile(store.machineFile), "# kept\r\na = \"2\"\r\nbroken\r\n");
-    EXPECT_EQ(ReadFile(store.userFile), "a = \"\xC3\xA4\\<0A>\"\n");
+    EXPECT_EQ(store.scratch.Read(store.machineFile), "# kept\r\na = \"2\"\r\nbroken\r\n");
+    EXPECT_EQ(store.scratch.Read(store.userFile), "a = \"\xC3\xA4\\<0A>\"\n");
     EXPECT_TRUE(RemovePreference(PreferenceScope::User, "a").Ok());
     EXPECT_TRUE(RemovePreference(PreferenceScope::User, "a").Ok());
     EXPECT_EQ(Value("a"), "2");
-    EXPECT_EQ(ReadFile(store.userFile), "");
+    EXPECT_EQ(store.scratch.Read(store.userFile), "");
     EXPECT_EQ(WritePreference(PreferenceScope::Machine, "a=b", "2").error, FileError::InvalidArgument);
-    SetVariable(kUserVariable, "");
+    const ScopedVariable none(kUserVariable, "");
     EXPECT_EQ(WritePreference(PreferenceScope::User, "a", "2").error, FileError::NotFound);
 }
 
@@ -139,7 +126,7 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
     EXPECT_FALSE(std::filesystem::exists(file));
 
     constexpr std::string_view kOld = "# old\nb = \"2\"";
-    WriteFile(file, kOld);
+    scratch.Write(file, kOld);
     for (const FileOperation operation :
          {FileOperation::Read, FileOperation::Write, FileOperation::Flush, FileOperation::Rename})
     {
@@ -147,7 +134,7 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
         plan.Fail(operation, FileError::DiskFull, 1, FileFaultPlan::kAlways);
         EXPECT_EQ(set(), FileError::DiskFull);
     }
-    EXPECT_EQ(ReadFile(file), kOld);
+    EXPECT_EQ(scratch.Read(file), kOld);
     {
         FileLock other;
         ASSERT_TRUE(other.Acquire((path + ".lock").c_str(), LockMode::Exclusive, 0).Ok());
@@ -155,20 +142,20 @@ TEST(PreferenceFile, FailuresLeaveItAsItWas)
     }
     for (const std::string& text : {std::string(1024 * 1024 - 7, '\n'), std::string("\xFF\xFE#\0", 4)})
     {
-        WriteFile(file, text);
+        scratch.Write(file, text);
         EXPECT_EQ(set(), text.size() > 4 ? FileError::TooLarge : FileError::Other);
-        EXPECT_TRUE(ReadFile(file) == text);
+        EXPECT_TRUE(scratch.Read(file) == text);
     }
-    WriteFile(file, kOld);
+    scratch.Write(file, kOld);
     EXPECT_EQ(set(), FileError::None);
-    EXPECT_EQ(ReadFile(file), std::string(kOld) + "\na = \"1\"\n");
+    EXPECT_EQ(scratch.Read(file), std::string(kOld) + "\na = \"1\"\n");
 
     Dictionary values;
     size_t damaged = 0;
     EXPECT_TRUE(LoadDictionary(path.c_str(), values, nullptr, &damaged).Ok());
     EXPECT_TRUE(values.Set("c", "3"));
     EXPECT_TRUE(SaveDictionary(path.c_str(), values).Ok());
-    EXPECT_EQ(ReadFile(file), "a = \"1\"\nb = \"2\"\nc = \"3\"\n");
+    EXPECT_EQ(scratch.Read(file), "a = \"1\"\nb = \"2\"\nc = \"3\"\n");
     EXPECT_TRUE(values.Set("long", std::string(1024 * 1024, 'x')));
     EXPECT_EQ(SaveDictionary(path.c_str(), values).error, FileError::TooLarge);
     EXPECT_TRUE(values.Set("=", ""));
@@ -185,7 +172,7 @@ TEST(PreferenceFile, DyingProcessesLoseNothing)
     const int kills = wanted != nullptr ? std::atoi(wanted) : 20;
     const ScratchFolder scratch("preference-kills");
     const std::string file = Utf8(scratch / "preferences.conf");
-    std::ofstream(scratch / "preferences.conf", std::ios::binary) << kStart;
+    scratch.Write(file, kStart);
     std::mt19937 random(4711); // NOLINT(cert-msc51-cpp): the same in every run
     for (int kill = 0; kill < kills; ++kill)
     {
