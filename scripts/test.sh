@@ -52,7 +52,7 @@ build_presets() {
   for preset in "${presets[@]}"; do
     results=$(results_of "$preset")
     outcome=built
-    nice -n 19 bash scripts/build.sh "$preset" >"$results/build.log" 2>&1 || outcome=failed
+    nice -n 10 bash scripts/build.sh "$preset" >"$results/build.log" 2>&1 || outcome=failed
     # Renamed: whoever sees the file can read it.
     echo "$outcome" >"$results/outcome.new"
     mv -- "$results/outcome.new" "$results/outcome"
