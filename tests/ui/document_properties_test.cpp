@@ -15,6 +15,8 @@
 
 #include <array>
 #include <atomic>
+#include <mutex>
+#include <thread>
 
 namespace tsypr::test
 {
@@ -238,28 +240,43 @@ TEST_F(Preferences, StartFromThePrinterWithoutInputAndNeedAnOutput)
     EXPECT_LT(printer.Ask(nullptr, other.Get(), DM_IN_PROMPT | DM_IN_BUFFER), 0);
 }
 
+// Wine's text output can lock up when several threads draw at the same moment. So the sheets, which are open at once,
+// are opened and used in turn, and lie side by side, so that none draws what another has covered.
 TEST_F(Preferences, MayBeOpenSeveralTimesAtOnce)
 {
     std::atomic<int> open{0};
+    std::mutex turn;
+    const auto isOpen = [&](int count)
+    {
+        for (int i = 0; i < 20000 && open < count; ++i)
+        {
+            Sleep(1);
+        }
+        return open >= count;
+    };
     const auto show = [&](const wchar_t* name, const char* settings)
     {
         Printer printer(name);
         const auto deed = [&](HWND sheet)
         {
+            SetWindowPos(sheet, nullptr, open * 1000, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
             ++open;
-            for (int i = 0; i < 20000 && open < 3; ++i)
+            EXPECT_TRUE(isOpen(3));
+            const std::lock_guard lock(turn);
+            Choose(sheet, kAllPages);
+            Press(sheet, IDOK);
+            for (int i = 0; i < 20000 && IsWindow(sheet) != FALSE; ++i)
             {
                 Sleep(1);
             }
-            EXPECT_EQ(3, open);
-            Choose(sheet, kAllPages);
-            Press(sheet, IDOK);
         };
         EXPECT_EQ(IDOK, printer.Prompt(deed));
         EXPECT_EQ(settings, printer.Settings());
     };
     std::thread one(show, kPrinter, kAllChosen);
+    EXPECT_TRUE(isOpen(1));
     std::thread other(show, kMirror, "2 8 -4 7 3 6 Confidential psk:LeftBottom psk:StapleDualLeft");
+    EXPECT_TRUE(isOpen(2));
     show(kPrinter, kAllChosen);
     one.join();
     other.join();
