@@ -2,7 +2,6 @@
 #include "bench/compare.h"
 #include "bench/library.h"
 
-#include <cstdio>
 #include <stdexcept>
 
 namespace tsypr::bench
@@ -39,11 +38,7 @@ void MeasureAttach(const Surroundings& surroundings, Report& report)
     plan.betweenRounds = [&] { EmptyFolder(surroundings.LogFolder()); };
     const Comparison times =
         Compare([] { LoadAndFree(L"tsyprui.dll"); }, [] { LoadAndFree(L"bench_empty.dll"); }, plan);
-    char detail[120];
-    std::snprintf(
-        detail, sizeof(detail), "module %.0f us, empty library %.0f us", times.firstNs / 1000, times.secondNs / 1000);
-    report.measurements.push_back(
-        {"attach and detach / empty library", "x", times.ratio, 1.5, false, times.firstNs, times.secondNs, detail});
+    AddRatio(report, "attach and detach / empty library", times, 1.5, "module", "empty library");
 }
 
 } // namespace tsypr::bench

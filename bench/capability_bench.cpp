@@ -5,7 +5,6 @@
 
 #include <wingdi.h>
 
-#include <cstdio>
 #include <cstring>
 
 namespace tsypr::bench
@@ -76,10 +75,7 @@ void MeasureCapabilityQuery(Report& report)
             throw std::runtime_error("the module and the service answer differently");
         }
         const Comparison times = Compare(viaModule, viaService);
-        char detail[120];
-        std::snprintf(detail, sizeof(detail), "module %.0f ns, service %.0f ns", times.firstNs, times.secondNs);
-        report.measurements.push_back(
-            {question.name, "x", times.ratio, 1.10, false, times.firstNs, times.secondNs, detail});
+        AddRatio(report, question.name, times, 1.10, "module", "service");
     }
 }
 

@@ -28,6 +28,15 @@ struct Plan
     std::function<void()> betweenRounds = [] {}; // not timed
 };
 
+// For calls that take milliseconds.
+inline Plan SlowCallPlan()
+{
+    Plan plan;
+    plan.rounds = 101;
+    plan.tries = 3;
+    return plan;
+}
+
 struct Comparison
 {
     double firstNs;      // shortest time of one call

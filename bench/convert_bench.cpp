@@ -4,8 +4,6 @@
 #include "bench/library.h"
 #include "remote/driver_exports.h"
 
-#include <cstdio>
-
 namespace tsypr::bench
 {
 namespace
@@ -33,10 +31,7 @@ void MeasureConvert(Report& report)
         throw std::runtime_error("the module did not convert the device mode");
     }
     const Comparison times = Compare(throughModule, copy);
-    char detail[120];
-    std::snprintf(detail, sizeof(detail), "convert %.1f ns, memcpy %.1f ns", times.firstNs, times.secondNs);
-    report.measurements.push_back(
-        {"CDM_CONVERT / memcpy of 1332 bytes", "x", times.ratio, 2, false, times.firstNs, times.secondNs, detail});
+    AddRatio(report, "CDM_CONVERT / memcpy of 1332 bytes", times, 2, "convert", "memcpy");
 }
 
 } // namespace tsypr::bench

@@ -4,7 +4,6 @@
 #include "bench/straight_dom.h"
 #include "printschema/pt_parser.h"
 
-#include <cstdio>
 #include <stdexcept>
 #include <string>
 
@@ -86,14 +85,7 @@ size_t AskStraight(IXMLDOMDocument2* doc)
 template <class First, class Second>
 void Add(Report& report, const char* name, First queries, Second calls)
 {
-    Plan plan;
-    plan.rounds = 101;
-    plan.tries = 3; // of milliseconds each
-    const Comparison times = Compare(queries, calls, plan);
-    char detail[120];
-    std::snprintf(
-        detail, sizeof(detail), "queries %.0f us, calls %.0f us", times.firstNs / 1000, times.secondNs / 1000);
-    report.measurements.push_back({name, "x", times.ratio, 1.1, false, times.firstNs, times.secondNs, detail});
+    AddRatio(report, name, Compare(queries, calls, SlowCallPlan()), 1.1, "queries", "calls");
 }
 
 } // namespace

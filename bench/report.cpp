@@ -82,6 +82,19 @@ nlohmann::ordered_json ToJson(const Report& report)
     return json;
 }
 
+// In a unit in which it is easy to read.
+std::string TimeText(double ns)
+{
+    char text[40];
+    std::snprintf(text,
+                  sizeof(text),
+                  ns >= 10'000 ? "%.0f us"
+                  : ns >= 100  ? "%.0f ns"
+                               : "%.1f ns",
+                  ns >= 10'000 ? ns / 1000 : ns);
+    return text;
+}
+
 } // namespace
 
 bool Report::GoalsMet() const noexcept
@@ -92,6 +105,17 @@ bool Report::GoalsMet() const noexcept
 bool Report::CallsMatch() const noexcept
 {
     return std::ranges::all_of(checks, [](const CallCheck& check) { return check.expected == check.actual; });
+}
+
+void AddRatio(Report& report,
+              const std::string& name,
+              const Comparison& times,
+              double goal,
+              const std::string& first,
+              const std::string& second)
+{
+    const std::string detail = first + " " + TimeText(times.firstNs) + ", " + second + " " + TimeText(times.secondNs);
+    report.measurements.push_back({name, "x", times.ratio, goal, false, times.firstNs, times.secondNs, detail});
 }
 
 void PrintReport(const Report& report)

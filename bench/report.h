@@ -3,6 +3,7 @@
 #define TESSARY_BENCH_REPORT_H
 
 #include "bench/call_counts.h"
+#include "bench/compare.h"
 
 #include <string>
 #include <vector>
@@ -44,6 +45,14 @@ struct Report
     bool GoalsMet() const noexcept;
     bool CallsMatch() const noexcept;
 };
+
+// Adds the ratio of two times, which is to stay below the goal. `first` and `second` name what was timed for readers.
+void AddRatio(Report& report,
+              const std::string& name,
+              const Comparison& times,
+              double goal,
+              const std::string& first = "ours",
+              const std::string& second = "other");
 
 void PrintReport(const Report& report);
 

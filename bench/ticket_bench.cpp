@@ -4,7 +4,6 @@
 #include "bench/straight_dom.h"
 #include "remote/remote_printer_service.h"
 
-#include <cstdio>
 #include <stdexcept>
 
 namespace tsypr::bench
@@ -162,15 +161,9 @@ void MustSucceed(HRESULT result)
 template <class First, class Second, class Renew>
 void Add(Report& report, const char* name, First provider, Second straight, Renew renew)
 {
-    Plan plan;
+    Plan plan = SlowCallPlan();
     plan.betweenRounds = renew;
-    plan.rounds = 101;
-    plan.tries = 3; // of milliseconds each
-    const Comparison times = Compare(provider, straight, plan);
-    char detail[120];
-    std::snprintf(
-        detail, sizeof(detail), "provider %.0f us, straight %.0f us", times.firstNs / 1000, times.secondNs / 1000);
-    report.measurements.push_back({name, "x", times.ratio, 1.15, false, times.firstNs, times.secondNs, detail});
+    AddRatio(report, name, Compare(provider, straight, plan), 1.15, "provider", "straight");
 }
 
 } // namespace

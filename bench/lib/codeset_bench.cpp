@@ -5,7 +5,6 @@
 #include <unicode/ucnv.h>
 #include <unicode/ustring.h>
 
-#include <cstdio>
 #include <stdexcept>
 
 namespace tsypr::bench
@@ -49,13 +48,6 @@ struct Sample
 UChar* Units(Utf16String& text)
 {
     return reinterpret_cast<UChar*>(text.data());
-}
-
-void AddResult(Report& report, const std::string& name, const Comparison& times, double goal)
-{
-    char detail[80];
-    std::snprintf(detail, sizeof(detail), "%.0f ns against %.0f ns", times.firstNs, times.secondNs);
-    report.measurements.push_back({name, "x", times.ratio, goal, false, times.firstNs, times.secondNs, detail});
 }
 
 // `length` is what the other one has written; anything else than our length is a mistake of the benchmark.
@@ -111,13 +103,13 @@ void MeasureUtf(Report& report, const std::string& what, Sample& sample)
                                      nullptr,
                                      nullptr);
     };
-    AddResult(report, "UTF-8 to UTF-16, " + what + " / ICU", Compare(ourWide, icuWide), 1.1);
+    AddRatio(report, "UTF-8 to UTF-16, " + what + " / ICU", Compare(ourWide, icuWide), 1.1);
     RequireLength(static_cast<size_t>(length), sample.ourUtf16.size());
-    AddResult(report, "UTF-8 to UTF-16, " + what + " / MultiByteToWideChar", Compare(ourWide, windowsWide), 0);
+    AddRatio(report, "UTF-8 to UTF-16, " + what + " / MultiByteToWideChar", Compare(ourWide, windowsWide), 0);
     RequireLength(static_cast<size_t>(length), sample.ourUtf16.size());
-    AddResult(report, "UTF-16 to UTF-8, " + what + " / ICU", Compare(ourNarrow, icuNarrow), 1.1);
+    AddRatio(report, "UTF-16 to UTF-8, " + what + " / ICU", Compare(ourNarrow, icuNarrow), 1.1);
     RequireLength(static_cast<size_t>(length), sample.ourUtf8.size());
-    AddResult(report, "UTF-16 to UTF-8, " + what + " / WideCharToMultiByte", Compare(ourNarrow, windowsNarrow), 0);
+    AddRatio(report, "UTF-16 to UTF-8, " + what + " / WideCharToMultiByte", Compare(ourNarrow, windowsNarrow), 0);
     RequireLength(static_cast<size_t>(length), sample.ourUtf8.size());
 }
 
@@ -176,9 +168,9 @@ void MeasureCodePage(Report& report, Sample& sample)
                                  static_cast<int32_t>(sample.utf16.size()),
                                  &error);
     };
-    AddResult(report, "code page 932 to UTF-16 / ICU", Compare(ourDecoding, icuDecoding), 1.1);
+    AddRatio(report, "code page 932 to UTF-16 / ICU", Compare(ourDecoding, icuDecoding), 1.1);
     RequireLength(static_cast<size_t>(length), sample.ourUtf16.size());
-    AddResult(report, "UTF-16 to code page 932 / ICU", Compare(ourEncoding, icuEncoding), 1.1);
+    AddRatio(report, "UTF-16 to code page 932 / ICU", Compare(ourEncoding, icuEncoding), 1.1);
     RequireLength(static_cast<size_t>(length), ourBytes.size());
 }
 

@@ -2,7 +2,6 @@
 #include "bench/lib/benches.h"
 #include "lib/misc/recursive_lock.h"
 
-#include <cstdio>
 #include <mutex>
 
 namespace tsypr::bench
@@ -24,9 +23,7 @@ void CompareLocks(Report& report, const char* name, double goal)
     static Ours s_ours;
     static Other s_other;
     const Comparison times = Compare([] { TakeAndRelease(s_ours); }, [] { TakeAndRelease(s_other); });
-    char detail[120];
-    std::snprintf(detail, sizeof(detail), "ours %.1f ns, std %.1f ns", times.firstNs, times.secondNs);
-    report.measurements.push_back({name, "x", times.ratio, goal, false, times.firstNs, times.secondNs, detail});
+    AddRatio(report, name, times, goal, "ours", "std");
 }
 
 } // namespace
